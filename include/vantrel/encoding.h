@@ -1,0 +1,14 @@
+#pragma once
+// Texts inside Vantrel are bytes in Windows-1252, as the files they come from. Views convert
+// them to UTF-8 only for display, and convert what a user types back before handing it over.
+
+#include <string>
+#include <string_view>
+
+namespace vantrel {
+
+std::string Cp1252ToUtf8(std::string_view cp1252);
+// Characters without a Windows-1252 byte become '?'.
+std::string Utf8ToCp1252(std::string_view utf8);
+
+}  // namespace vantrel

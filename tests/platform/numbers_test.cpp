@@ -1,0 +1,97 @@
+#include "platform/numbers.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/runtime_error.h"
+
+namespace vantrel {
+namespace {
+
+TEST(Val, ReadsTheLongestNumericPrefix) {
+  EXPECT_EQ(Val("16abc"), 16.0);
+  EXPECT_EQ(Val("  42"), 42.0);
+  EXPECT_EQ(Val("-4"), -4.0);
+  EXPECT_EQ(Val("2.5x"), 2.5);
+  EXPECT_EQ(Val(".5"), 0.5);
+  EXPECT_EQ(Val("1.5E3"), 1500.0);
+  EXPECT_EQ(Val("7E"), 7.0);  // a bare exponent mark is not part of the number
+}
+
+TEST(Val, TextWithoutNumberReadsZero) {
+  EXPECT_EQ(Val(""), 0.0);
+  EXPECT_EQ(Val("abc"), 0.0);
+  EXPECT_EQ(Val("-"), 0.0);
+  EXPECT_EQ(Val("."), 0.0);
+}
+
+TEST(Val, SkipsBlanksInsideTheNumber) {
+  EXPECT_EQ(Val("1 2 3"), 123.0);
+  EXPECT_EQ(Val("\t 7 ,8"), 7.0);
+}
+
+TEST(Val, ReadsHexadecimalAndOctalLiterals) {
+  EXPECT_EQ(Val("&H10"), 16.0);
+  EXPECT_EQ(Val("&hff"), 255.0);
+  EXPECT_EQ(Val("&O17"), 15.0);
+  EXPECT_EQ(Val("&HFFFF"), -1.0);  // up to 16 bits reads as a signed 16-bit value
+  EXPECT_EQ(Val("&H10000"), 65536.0);
+  EXPECT_EQ(Val("&HFFFFFFFF"), -1.0);
+  EXPECT_EQ(Val("&H"), 0.0);
+  EXPECT_THROW(Val("&H100000000"), RuntimeError);
+}
+
+TEST(Rounding, HalvesGoToEven) {
+  EXPECT_EQ(RoundToInt16(0.5), 0);
+  EXPECT_EQ(RoundToInt16(1.5), 2);
+  EXPECT_EQ(RoundToInt16(2.5), 2);
+  EXPECT_EQ(RoundToInt16(-0.5), 0);
+  EXPECT_EQ(RoundToInt16(-1.5), -2);
+  EXPECT_EQ(RoundToInt16(2.4999), 2);
+  EXPECT_EQ(RoundToInt32(2.5001), 3);
+}
+
+TEST(Rounding, OutOfRangeIsAnOverflow) {
+  EXPECT_EQ(RoundToInt16(32767.4), 32767);
+  EXPECT_EQ(RoundToInt16(-32768.0), -32768);
+  try {
+    RoundToInt16(32767.5);
+    FAIL() << "no overflow";
+  } catch (const RuntimeError& e) {
+    EXPECT_EQ(e.Description(), "Overflow");
+  }
+  EXPECT_THROW(RoundToInt32(2147483648.0), RuntimeError);
+  EXPECT_EQ(RoundToInt32(-2147483648.0), INT32_MIN);
+}
+
+TEST(StrictToInt16, AcceptsOnlyAWholeNumber) {
+  EXPECT_EQ(StrictToInt16(" 12 "), 12);
+  EXPECT_EQ(StrictToInt16("1.5"), 2);
+  EXPECT_EQ(StrictToInt16("&H10"), 16);
+  for (const char* bad : {"", "   ", "abc", "16abc", "1 2", "&H"}) {
+    try {
+      StrictToInt16(bad);
+      FAIL() << "accepted '" << bad << "'";
+    } catch (const RuntimeError& e) {
+      EXPECT_EQ(e.Description(), "Type mismatch") << bad;
+    }
+  }
+  try {
+    StrictToInt16("40000");
+    FAIL();
+  } catch (const RuntimeError& e) {
+    EXPECT_EQ(e.Description(), "Overflow");
+  }
+}
+
+TEST(IsNumeric, FollowsTheDecimalSeparator) {
+  EXPECT_TRUE(IsNumeric(" 12.5"));
+  EXPECT_FALSE(IsNumeric("12,5"));
+  EXPECT_TRUE(IsNumeric("12,5", ','));
+  EXPECT_FALSE(IsNumeric("abc"));
+  EXPECT_FALSE(IsNumeric(""));
+  EXPECT_FALSE(IsNumeric("----------------"));
+  EXPECT_TRUE(IsNumeric("-3"));
+}
+
+}  // namespace
+}  // namespace vantrel
