@@ -24,8 +24,8 @@ class Prompts {
  public:
   virtual ~Prompts() = default;
 
-  virtual MessageResult ShowMessage(std::string_view text, std::string_view title,
-                                    MessageIcon icon, MessageButtons buttons) = 0;
+  virtual MessageResult ShowMessage(std::string_view text, std::string_view title, MessageIcon icon,
+                                    MessageButtons buttons) = 0;
   // The chosen path, or nothing when the user cancelled.
   virtual std::optional<std::string> ChooseFileToOpen(const FileOpenRequest& request) = 0;
   // Shows the modal shut-down notice and returns once it has closed itself after

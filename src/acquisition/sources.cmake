@@ -1,1 +1,5 @@
-target_sources(vantrel PRIVATE)
+target_sources(vantrel PRIVATE
+  acquisition/buffer_checks.cpp
+  acquisition/reading_cycle.cpp
+  acquisition/simulation.cpp
+  acquisition/string_columns.cpp)

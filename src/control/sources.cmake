@@ -1,1 +1,10 @@
-target_sources(vantrel PRIVATE)
+target_sources(vantrel PRIVATE
+  control/clear.cpp
+  control/control.cpp
+  control/control_properties.cpp
+  control/module.cpp
+  control/property_persistence.cpp
+  control/resource_paths.cpp
+  control/run_control.cpp
+  control/table_model.cpp
+  control/trace_loading.cpp)

@@ -44,28 +44,42 @@ char ByteOf(char32_t cp) {
 std::string Cp1252ToUtf8(std::string_view cp1252) {
   std::string out;
   out.reserve(cp1252.size());
-  for (char c : cp1252) AppendUtf8(out, CodePointOf(static_cast<unsigned char>(c)));
+  for (char c : cp1252)
+    AppendUtf8(out, CodePointOf(static_cast<unsigned char>(c)));
   return out;
 }
 
 std::string Utf8ToCp1252(std::string_view utf8) {
   std::string out;
   out.reserve(utf8.size());
-  for (size_t i = 0; i < utf8.size();) {
+  size_t i = 0;
+  while (i < utf8.size()) {
     const auto lead = static_cast<unsigned char>(utf8[i]);
-    int extra = lead < 0x80 ? 0 : (lead >> 5) == 0x6 ? 1 : (lead >> 4) == 0xE ? 2
-                                 : (lead >> 3) == 0x1E ? 3 : -1;
-    if (extra < 0 || i + static_cast<size_t>(extra) >= utf8.size() + (extra == 0 ? 1 : 0)) {
-      out.push_back('?');
+    size_t extra = 0;
+    char32_t cp = lead;
+    if (lead >= 0xC0 && lead < 0xE0) {
+      extra = 1;
+      cp = lead & 0x1Fu;
+    } else if (lead >= 0xE0 && lead < 0xF0) {
+      extra = 2;
+      cp = lead & 0x0Fu;
+    } else if (lead >= 0xF0 && lead < 0xF8) {
+      extra = 3;
+      cp = lead & 0x07u;
+    } else if (lead >= 0x80) {
+      out.push_back('?');  // a stray continuation byte or an invalid lead byte
       ++i;
       continue;
     }
-    char32_t cp = extra == 0 ? lead : lead & (0x3F >> extra);
     bool valid = true;
-    for (int k = 1; k <= extra; ++k) {
-      const auto next = static_cast<unsigned char>(utf8[i + static_cast<size_t>(k)]);
-      if ((next & 0xC0) != 0x80) valid = false;
-      cp = (cp << 6) | (next & 0x3F);
+    for (size_t k = 1; valid && k <= extra; ++k) {
+      if (i + k >= utf8.size()) {
+        valid = false;
+        break;
+      }
+      const auto next = static_cast<unsigned char>(utf8[i + k]);
+      if ((next & 0xC0u) != 0x80u) valid = false;
+      cp = (cp << 6) | (next & 0x3Fu);
     }
     if (!valid) {
       out.push_back('?');
@@ -73,7 +87,7 @@ std::string Utf8ToCp1252(std::string_view utf8) {
       continue;
     }
     out.push_back(ByteOf(cp));
-    i += static_cast<size_t>(extra) + 1;
+    i += extra + 1;
   }
   return out;
 }

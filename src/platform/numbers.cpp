@@ -11,7 +11,9 @@
 namespace vantrel {
 namespace {
 
-bool IsSkippedBlank(char c) { return c == ' ' || c == '\t' || c == '\n'; }
+bool IsSkippedBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n';
+}
 
 int DigitValue(char c, int base) {
   int v = -1;
@@ -51,7 +53,8 @@ std::optional<double> ReadRadixLiteral(std::string_view text, size_t& pos) {
 // blanks removed; `pos` ends after the last character that belongs to it.
 void CollectDecimal(std::string_view text, size_t& pos, std::string& out, char separator) {
   auto skip = [&] {
-    while (pos < text.size() && IsSkippedBlank(text[pos])) ++pos;
+    while (pos < text.size() && IsSkippedBlank(text[pos]))
+      ++pos;
   };
   auto digits = [&] {
     bool any = false;
@@ -75,8 +78,8 @@ void CollectDecimal(std::string_view text, size_t& pos, std::string& out, char s
     return;
   }
   skip();
-  if (pos < text.size() && (text[pos] == 'e' || text[pos] == 'E' || text[pos] == 'd' ||
-                            text[pos] == 'D')) {
+  if (pos < text.size() &&
+      (text[pos] == 'e' || text[pos] == 'E' || text[pos] == 'd' || text[pos] == 'D')) {
     const size_t mark = pos;
     const size_t keep = out.size();
     ++pos;
@@ -136,15 +139,20 @@ std::optional<double> WholeNumber(std::string_view text, char separator) {
 
 double Val(std::string_view text) {
   size_t pos = 0;
-  while (pos < text.size() && IsSkippedBlank(text[pos])) ++pos;
+  while (pos < text.size() && IsSkippedBlank(text[pos]))
+    ++pos;
   if (auto radix = ReadRadixLiteral(text, pos)) return *radix;
   std::string collected;
   CollectDecimal(text, pos, collected, '.');
   return ParseCollected(collected);
 }
 
-int16_t RoundToInt16(double value) { return RoundTo<int16_t>(value); }
-int32_t RoundToInt32(double value) { return RoundTo<int32_t>(value); }
+int16_t RoundToInt16(double value) {
+  return RoundTo<int16_t>(value);
+}
+int32_t RoundToInt32(double value) {
+  return RoundTo<int32_t>(value);
+}
 
 int16_t StrictToInt16(std::string_view text) {
   const auto number = WholeNumber(text, '.');

@@ -5,7 +5,9 @@
 
 namespace vantrel {
 
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+bool IsSeparator(char c) {
+  return c == '/' || c == '\\';
+}
 
 std::string NativePath(std::string_view path) {
   std::string out(path);

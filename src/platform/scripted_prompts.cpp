@@ -22,8 +22,8 @@ std::optional<std::string> ScriptedPrompts::ChooseFileToOpen(const FileOpenReque
 
 void ScriptedPrompts::ShowShutDownNotice(std::string_view caption, std::string_view message,
                                          std::string_view command, int durationMs) {
-  notices_.push_back({std::string(caption), std::string(message), std::string(command),
-                      durationMs});
+  notices_.push_back(
+      {std::string(caption), std::string(message), std::string(command), durationMs});
   if (wait_) wait_(durationMs);
 }
 

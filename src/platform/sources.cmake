@@ -1,8 +1,11 @@
 target_sources(vantrel PRIVATE
   platform/encoding.cpp
   platform/manual_clock.cpp
+  platform/manual_event_loop.cpp
   platform/numbers.cpp
   platform/paths.cpp
+  platform/poll_event_loop.cpp
+  platform/property_bag.cpp
   platform/scripted_prompts.cpp
   platform/system_clock.cpp
   platform/text.cpp)

@@ -2,11 +2,14 @@
 
 namespace vantrel {
 
-char FoldCase(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+char FoldCase(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 std::string ToLower(std::string_view text) {
   std::string out(text);
-  for (char& c : out) c = FoldCase(c);
+  for (char& c : out)
+    c = FoldCase(c);
   return out;
 }
 
@@ -40,8 +43,12 @@ std::string_view TrimRightBlanks(std::string_view text) {
   return last == std::string_view::npos ? std::string_view{} : text.substr(0, last + 1);
 }
 
-std::string_view TrimBlanks(std::string_view text) { return TrimRightBlanks(TrimLeftBlanks(text)); }
+std::string_view TrimBlanks(std::string_view text) {
+  return TrimRightBlanks(TrimLeftBlanks(text));
+}
 
-std::string Decimal(long long value) { return std::to_string(value); }
+std::string Decimal(long long value) {
+  return std::to_string(value);
+}
 
 }  // namespace vantrel

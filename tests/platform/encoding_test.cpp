@@ -7,14 +7,15 @@ namespace {
 
 TEST(Encoding, Cp1252LettersBecomeUtf8) {
   EXPECT_EQ(Cp1252ToUtf8("abc"), "abc");
-  EXPECT_EQ(Cp1252ToUtf8("\xE9"), "\xC3\xA9");          // é
-  EXPECT_EQ(Cp1252ToUtf8("\x80"), "\xE2\x82\xAC");      // euro sign
+  EXPECT_EQ(Cp1252ToUtf8("\xE9"), "\xC3\xA9");      // é
+  EXPECT_EQ(Cp1252ToUtf8("\x80"), "\xE2\x82\xAC");  // euro sign
   EXPECT_EQ(Cp1252ToUtf8("\x7F"), "\x7F");
 }
 
 TEST(Encoding, EveryByteRoundTrips) {
   std::string all;
-  for (int b = 1; b < 256; ++b) all.push_back(static_cast<char>(b));
+  for (int b = 1; b < 256; ++b)
+    all.push_back(static_cast<char>(b));
   EXPECT_EQ(Utf8ToCp1252(Cp1252ToUtf8(all)), all);
 }
 

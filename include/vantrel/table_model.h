@@ -1,0 +1,121 @@
+#pragma once
+// The record table as the core keeps it: a header row and data rows of text cells, per-column
+// width (twips), alignment and column data, header background colours, the top row to show
+// and a redraw flag. Views present it and follow its changes through TableObserver.
+// Appending at the bottom and removing the oldest row cost constant time.
+
+#include <cstdint>
+#include <deque>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantrel {
+
+class TableObserver {
+ public:
+  virtual ~TableObserver() = default;
+  // Columns, header or the whole content changed.
+  virtual void TableReset() {}
+  virtual void RowsAppended(int firstRow, int count) { (void)firstRow, (void)count; }
+  virtual void RowsRemoved(int firstRow, int count) { (void)firstRow, (void)count; }
+  virtual void CellChanged(int row, int column) { (void)row, (void)column; }
+  virtual void ColumnChanged(int column) { (void)column; }
+  virtual void TopRowChanged(int topRow) { (void)topRow; }
+  virtual void RedrawChanged(bool redraw) { (void)redraw; }
+};
+
+class TableModel {
+ public:
+  static constexpr int32_t kDefaultRowHeight = 240;  // twips
+
+  // Row 0 is the header row; data rows are 1 .. RowCount() - 1.
+  int RowCount() const { return static_cast<int>(rows_.size()) + 1; }
+  int DataRowCount() const { return static_cast<int>(rows_.size()); }
+  int ColumnCount() const { return static_cast<int>(columns_.size()); }
+  int FixedRows() const { return 1; }
+  int FixedColumns() const { return 1; }
+
+  // Grows or shrinks every row; new cells are empty.
+  void SetColumnCount(int columns);
+  // At least 1 (the header row); new rows are empty, extra rows are dropped from the bottom.
+  void SetRowCount(int rows);
+
+  // Cell text; an out-of-range cell throws RuntimeError (subscript out of range).
+  std::string_view Text(int row, int column) const;
+  void SetText(int row, int column, std::string_view text);
+
+  int32_t ColumnWidth(int column) const;
+  void SetColumnWidth(int column, int32_t twips);
+  int16_t ColumnAlignment(int column) const;
+  void SetColumnAlignment(int column, int16_t alignment);
+  int32_t ColumnData(int column) const;
+  void SetColumnData(int column, int32_t data);
+  // Background colour of the header cell of a column; 0 is the default colour.
+  int32_t HeaderBackColor(int column) const;
+  void SetHeaderBackColor(int column, int32_t color);
+
+  // Appends a data row; cells beyond the column count are dropped, missing ones are empty.
+  void AddRow(std::span<const std::string> cells);
+  // Appends a row given as tab-separated text.
+  void AddItem(std::string_view tabSeparated);
+  // Removes data row `row` (>= 1). Removing row 1, the oldest, costs constant time.
+  void RemoveRow(int row);
+  // Empties every cell text; rows, columns and their settings stay.
+  void ClearCells();
+
+  int TopRow() const { return topRow_; }
+  void SetTopRow(int row);
+  bool Redraw() const { return redraw_; }
+  void SetRedraw(bool redraw);
+
+  const std::string& FontName() const { return fontName_; }
+  void SetFontName(std::string name) { fontName_ = std::move(name); }
+  double FontSize() const { return fontSize_; }
+  void SetFontSize(double size) { fontSize_ = size; }
+
+  // Heights in twips that the view reports; they decide how many rows fit (scrolling).
+  int32_t RowHeight() const { return rowHeight_; }
+  void SetRowHeight(int32_t twips) { rowHeight_ = twips > 0 ? twips : kDefaultRowHeight; }
+  int32_t ViewHeight() const { return viewHeight_; }
+  void SetViewHeight(int32_t twips) { viewHeight_ = twips; }
+
+  void AddObserver(TableObserver* observer);
+  void RemoveObserver(TableObserver* observer);
+
+ private:
+  // One row's cells in one buffer: ends_[i] is where cell i ends in text_.
+  struct Row {
+    std::string text;
+    std::vector<uint32_t> ends;
+    std::string_view Cell(size_t i) const;
+    void Resize(size_t cells);
+    void Set(size_t i, std::string_view value);
+  };
+  struct Column {
+    int32_t width = 0;
+    int16_t alignment = 0;
+    int32_t data = 0;
+    int32_t headerBackColor = 0;
+  };
+
+  const Row& RowAt(int row) const;
+  Row& RowAt(int row);
+  void CheckColumn(int column) const;
+  template <typename F>
+  void Notify(F&& f);
+
+  Row header_;
+  std::deque<Row> rows_;
+  std::vector<Column> columns_;
+  int topRow_ = 1;
+  bool redraw_ = true;
+  std::string fontName_ = "Courier";
+  double fontSize_ = 10;
+  int32_t rowHeight_ = kDefaultRowHeight;
+  int32_t viewHeight_ = 0;
+  std::vector<TableObserver*> observers_;
+};
+
+}  // namespace vantrel

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Builds Vantrel and runs every test: a warnings-as-errors build, the same tests under
+# AddressSanitizer and UndefinedBehaviorSanitizer, the formatting check, and a host project
+# built against the installed package. Build directories are reused by later runs.
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+bash scripts/install-deps.sh
+
+jobs="$(nproc)"
+build() {  # build DIR [cmake options...]
+  local dir="$1"
+  shift
+  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVANTREL_WERROR=ON "$@" >/dev/null
+  cmake --build "$dir" -j "$jobs"
+}
+
+echo "== build and test (warnings are errors)"
+build build/ci
+ctest --test-dir build/ci --output-on-failure -j "$jobs"
+
+echo "== tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+build build/ci-sanitize -DVANTREL_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir build/ci-sanitize --output-on-failure -j "$jobs"
+
+echo "== formatting"
+git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
+
+echo "== a host project built against the installed package"
+prefix="$root/build/ci-install"
+rm -rf "$prefix"
+cmake --install build/ci --prefix "$prefix" >/dev/null
+cmake -S tests/package -B build/ci-consumer -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build build/ci-consumer
+./build/ci-consumer/vantrel_consumer
+echo "All checks passed."

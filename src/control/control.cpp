@@ -1,0 +1,90 @@
+#include "vantrel/control.h"
+
+#include "acquisition/reading_cycle.h"
+#include "control/clear.h"
+#include "control/guard.h"
+#include "control/module.h"
+#include "control/run_control.h"
+
+namespace vantrel {
+
+Control::Control(ControlEvents& events, ControlServices services)
+    : module_(std::make_unique<Module>(events, std::move(services))) {
+  Module& m = *module_;
+  m.readTimer->SetTickHandler([&m] { Guarded(m, "ReadTimer", [&] { OnReadTimer(m); }); });
+  Guarded(m, "Initialize", [&] { InitializeControl(m); });
+}
+
+Control::~Control() = default;
+
+void Control::SetDataBlock(std::span<const int32_t> values) {
+  Module& m = *module_;
+  Guarded(m, "DataBlock", [&] { TakeDataBlock(m, values); });
+}
+
+void Control::Refresh() {
+  Module& m = *module_;
+  Guarded(m, "Refresh", [&] {
+    for (SurfaceObserver* observer : m.surfaceObservers)
+      observer->RepaintRequested();
+  });
+}
+
+void Control::Start() {
+  Module& m = *module_;
+  Guarded(m, "Start", [&] {
+    if (!m.props.Enabled) return;
+    SetReadState(m, kStateWaitStart);
+    RequestRead(m, 1);
+  });
+}
+
+void Control::Reset() {
+  Module& m = *module_;
+  Guarded(m, "Reset", [&] {
+    ResetBufferState(m);
+    if (m.buffer.ReadState > kStateDisabled) SetReadState(m, kStateDisabled);
+    InitializeControl(m);
+    ShowGridView(m);
+    m.grid.ClearCells();
+    m.grid.SetRedraw(true);
+  });
+}
+
+void Control::Clear() {
+  Module& m = *module_;
+  Guarded(m, "Clear", [&] { ClearTable(m); });
+}
+
+void Control::Crypt(std::string_view FileName) {
+  Module& m = *module_;
+  Guarded(m, "Crypt", [&] {
+    const std::string result = "Cannot open file ";  // enciphering arrives with the cipher
+    m.services.prompts.ShowMessage("File " + std::string(FileName) + "\r\r" + result,
+                                   "Cryptage Vantrel", MessageIcon::Information,
+                                   MessageButtons::Ok);
+  });
+}
+
+const Surface& Control::GetSurface() const {
+  return module_->surface;
+}
+TableModel& Control::Table() {
+  return module_->grid;
+}
+const TableModel& Control::Table() const {
+  return module_->grid;
+}
+int16_t Control::ReadState() const {
+  return module_->buffer.ReadState;
+}
+
+void Control::AddSurfaceObserver(SurfaceObserver* observer) {
+  if (observer != nullptr) module_->surfaceObservers.push_back(observer);
+}
+
+void Control::RemoveSurfaceObserver(SurfaceObserver* observer) {
+  std::erase(module_->surfaceObservers, observer);
+}
+
+}  // namespace vantrel

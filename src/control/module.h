@@ -1,0 +1,132 @@
+#pragma once
+// The state of one control: its persisted properties, the buffer and walk state of the
+// reading cycle, the trace description, the table and surface models and the services. The
+// subsystem folders each act on it through small functions; one Module per control instance.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "description/trace_description.h"
+#include "vantrel/control.h"
+
+namespace vantrel {
+
+// ModulError numbers.
+inline constexpr int16_t kErrStartOrDescription = 10;
+inline constexpr int16_t kErrHeader = 11;
+inline constexpr int16_t kErrRecords = 12;
+inline constexpr int16_t kErrFieldReader = 13;
+inline constexpr int16_t kErrUnexpected = 99;
+
+// Reading states.
+inline constexpr int16_t kStateDisabled = 0;
+inline constexpr int16_t kStateWaitStart = 1;
+inline constexpr int16_t kStateHeader = 2;
+inline constexpr int16_t kStateRunning = 3;
+inline constexpr int16_t kStateLoading = 4;
+
+struct PropertyFields {
+  bool Enabled = true;
+  std::string ResourcePath = "C:\\";
+  std::string ProjectPath;
+  std::string UserFile;
+  std::string SymbFile;
+  int32_t Interval = 1000;
+  int16_t RunMode = 0;
+  bool Simulation = false;
+  int16_t DisplayMode = 1;
+  std::string GridFontName = "Courier";
+  std::string GridFontSize = "10";
+  bool DateStampCol = false;
+  bool TimeStampCol = false;
+  bool PCDStatusCol = false;
+  int16_t StartRegister = 0;
+  int32_t PCDStatus = 0;
+  int32_t MaxRows = 500;
+  int32_t MaxGraph = 20;
+  std::string ExportFile;
+  bool AutoExport = false;
+  int16_t IndexFile = 0;
+  std::string SelColumn;
+};
+
+// What the reading cycle knows of the buffer in the controller.
+struct BufferState {
+  // -1 until the control's initialisation sets it to 0, so that creation reports Status(0).
+  int16_t ReadState = -1;
+  int16_t BufferStart = 0;
+  bool DBMode = false;
+  int16_t HeaderLength = 16;
+  std::string FormatKey;
+  std::string HeaderKey;
+  int32_t HeaderVersion = 0;
+  int32_t BufferLen = 0;
+  int16_t RecordReadOffset = 0;
+  int16_t RecordsToRead = 0;
+  int16_t ReadCount = 0;
+  int32_t RequestOffset = 0;
+  int32_t RequestLength = 0;
+  int32_t LastWord = 0;
+  int32_t CommandWord = 0;
+  int32_t LastCommand = 0;
+  int32_t ExportIndex = 0;
+};
+
+// Counters of the walk over the controller's ring of records.
+struct WalkCounters {
+  int32_t BufferCounter = 0;
+  int32_t LastBufferCounter = 0;
+  int32_t WriteIndex = 0;
+  int32_t RecordNumber = 0;
+  int16_t LastIndex = 0;
+  bool FirstRead = true;
+  int32_t RecordCount = 0;
+};
+
+struct Control::Module {
+  Module(ControlEvents& events, ControlServices services);
+
+  ControlEvents& events;
+  ControlServices services;
+
+  PropertyFields props;
+  std::vector<std::string> SearchPaths;  // ResourcePath split at commas
+  int16_t appliedRunMode = 0;
+
+  BufferState buffer;
+  WalkCounters walk;
+  TraceDescription description;
+
+  int16_t ErrType = 0;
+  std::string ErrMsg;
+
+  Surface surface;
+  TableModel grid;
+  bool gridRedrawPending = false;
+  bool GraphShown = false;
+  std::unique_ptr<Timer> readTimer;
+  std::unique_ptr<Timer> simulTimer;
+  std::vector<SurfaceObserver*> surfaceObservers;
+
+  int32_t LastPCDStatus = 0;
+  std::string PCDStatusText;
+
+  // Tells the container that a property changed, so that the host saves it.
+  void MarkChanged(std::string_view property);
+  // Tells the views that the surface changed.
+  void SurfaceChanged();
+  // Raises ModulError with the number and text given.
+  void RaiseError(int16_t errType, std::string_view message);
+};
+
+using Module = Control::Module;
+
+// The module's buffer state as after a reset: no format, no key, every counter 0.
+void ResetBufferState(Module& m);
+// Creation of a control, also re-run by Reset: title, empty table, reading state 0.
+void InitializeControl(Module& m);
+
+}  // namespace vantrel

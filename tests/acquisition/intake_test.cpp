@@ -1,0 +1,91 @@
+// The control's intake of DataBlock answers, driven through the public interface.
+
+#include <gtest/gtest.h>
+
+#include "support/recording_host.h"
+
+namespace vantrel {
+namespace {
+
+using testing::ControlFixture;
+using testing::Packed;
+using Answer = testing::RecordingHost::Answer;
+
+void Assign(Control& c, std::vector<int32_t> block) {
+  c.SetDataBlock(block);
+}
+
+TEST(Intake, InvalidStartRegisterIsReportedAndTheStateStays) {
+  ControlFixture f;
+  f->Start();
+  f.host.ClearEvents();
+  Assign(*f, {8001});
+  EXPECT_EQ(f.host.Errors(),
+            std::vector<std::string>{"10:Invalid buffer\rCheck the start register value"});
+  EXPECT_EQ(f->ReadState(), 1);
+  Assign(*f, {8000});
+  EXPECT_EQ(f->ReadState(), 2);
+}
+
+TEST(Intake, InvalidHeaderIsReportedAsElevenAndTheStateStays) {
+  ControlFixture f;
+  f->Start();
+  Assign(*f, {500});
+  f.host.ClearEvents();
+  std::vector<int32_t> header(16, 0);
+  header[0] = Packed("VTL1");
+  header[1] = Packed("AB\0\0");
+  header[3] = 10;
+  Assign(*f, header);
+  EXPECT_EQ(f.host.Errors(), std::vector<std::string>{"11:Invalid buffer\rBad key value"});
+  EXPECT_EQ(f->ReadState(), 2);
+  EXPECT_TRUE(f.host.Named("Status").empty()) << "already in state 2: no Status event";
+}
+
+TEST(Intake, ShortBlocksAreReportedNotReadPastTheirEnd) {
+  ControlFixture f;
+  f->Start();
+  Assign(*f, {});
+  EXPECT_EQ(f.host.Errors().back(),
+            "10:DataBlock too short for the start register: 0 values received, 1 expected");
+  Assign(*f, {500});
+  Assign(*f, {Packed("VTL2"), Packed("PMP1"), 1});
+  EXPECT_EQ(f.host.Errors().back(),
+            "11:DataBlock too short for the buffer header: 3 values received, 16 expected");
+  EXPECT_EQ(f->ReadState(), 2);
+  f->SetRunMode(3);  // straight to the counter area
+  f.host.ClearEvents();
+  Assign(*f, {1, 2});
+  EXPECT_EQ(f.host.Errors(),
+            std::vector<std::string>{"12:DataBlock too short for the counter area: 2 values "
+                                     "received, 4 expected"});
+  EXPECT_EQ(f->ReadState(), 3);
+}
+
+TEST(Intake, InfoButtonIsDisabledByEveryHeaderRead) {
+  ControlFixture f;
+  f->Start();
+  Assign(*f, {500});
+  std::vector<int32_t> header(16, 0);
+  header[0] = Packed("VTL2");
+  header[1] = Packed("PMP1");
+  header[3] = 10;
+  Assign(*f, header);
+  EXPECT_FALSE(f->GetSurface().infoButton.enabled);
+}
+
+TEST(Intake, HostThatAnswersInsideTheEventDrivesTheCycleToTheHeader) {
+  ControlFixture f;
+  f.host.answer = Answer::Inside;
+  f.host.image.registers[0] = 40;
+  f.host.image.registers[40] = Packed("VTL2");
+  f.host.image.registers[41] = Packed("TRC1");
+  f.host.image.registers[43] = 64;
+  f->Start();
+  f->SetRunMode(2);
+  EXPECT_EQ(f.host.Statuses(), (std::vector<int16_t>{0, 1, 2}));
+  EXPECT_EQ(f->HeaderKey(), "TRC1");
+}
+
+}  // namespace
+}  // namespace vantrel

@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include "control/resource_paths.h"
+#include "support/recording_host.h"
+
+namespace vantrel {
+namespace {
+
+using testing::ControlFixture;
+
+struct ChangeRecorder : Container {
+  std::vector<std::string> changed;
+  void PropertyChanged(std::string_view name) override { changed.emplace_back(name); }
+};
+
+TEST(ControlProperties, NewControlHasTheDocumentedDefaults) {
+  ControlFixture f;
+  Control& c = *f;
+  EXPECT_TRUE(c.Enabled());
+  EXPECT_EQ(c.ResourcePath(), "C:\\");
+  EXPECT_EQ(c.ProjectPath(), "");
+  EXPECT_EQ(c.Interval(), 1000);
+  EXPECT_EQ(c.RunMode(), 0);
+  EXPECT_FALSE(c.Simulation());
+  EXPECT_EQ(c.DisplayMode(), 1);
+  EXPECT_EQ(c.GridFontName(), "Courier");
+  EXPECT_EQ(c.GridFontSize(), "10");
+  EXPECT_FALSE(c.DateStampCol());
+  EXPECT_EQ(c.StartRegister(), 0);
+  EXPECT_EQ(c.MaxRows(), 500);
+  EXPECT_EQ(c.MaxGraph(), 20);
+  EXPECT_EQ(c.IndexFile(), 0);
+  EXPECT_EQ(c.HeaderKey(), "");
+  EXPECT_EQ(c.RecordCount(), 0);
+}
+
+TEST(ControlProperties, CreationReportsDisabledOnceAndShowsNoBufferTitle) {
+  ControlFixture f;
+  EXPECT_EQ(f.host.Statuses(), std::vector<int16_t>{0});
+  EXPECT_EQ(f->GetSurface().title.caption, "No Buffer Selected");
+  EXPECT_EQ(f->GetSurface().status.caption, "Disabled");
+  // An empty table with its six bookkeeping columns exists from the start.
+  EXPECT_EQ(f->Table().ColumnCount(), 6);
+  EXPECT_EQ(f->Table().RowCount(), 1);
+}
+
+TEST(ControlProperties, EnabledOnlySettersIgnoreValuesWhileDisabled) {
+  ChangeRecorder container;
+  ControlFixture f;
+  f.Create(&container);
+  f->SetProjectPath("/plant/a");
+  f->SetEnabled(false);
+  container.changed.clear();
+
+  f->SetProjectPath("/plant/b");
+  f->SetUserFile("x.vtlr");
+  f->SetInterval(50);
+  f->SetRunMode(2);
+  EXPECT_EQ(f->ProjectPath(), "/plant/a");
+  EXPECT_EQ(f->UserFile(), "");
+  EXPECT_EQ(f->Interval(), 1000);
+  EXPECT_EQ(f->RunMode(), 0);
+  EXPECT_TRUE(container.changed.empty());
+
+  // Setters that are always accepted still work and are saved.
+  f->SetStartRegister(100);
+  f->SetMaxRows(10);
+  EXPECT_EQ(f->StartRegister(), 100);
+  EXPECT_EQ((std::vector<std::string>{"StartRegister", "MaxRows"}), container.changed);
+}
+
+TEST(ControlProperties, MaxGraphHasAFloorOfTwenty) {
+  ControlFixture f;
+  f->SetMaxGraph(5);
+  EXPECT_EQ(f->MaxGraph(), 20);
+  f->SetMaxGraph(25);
+  EXPECT_EQ(f->MaxGraph(), 25);
+  f->SetMaxGraph(-3);
+  EXPECT_EQ(f->MaxGraph(), 20);
+}
+
+TEST(ControlProperties, StampColumnsShowOrHideTheirTableColumn) {
+  ControlFixture f;
+  f->Table().SetColumnWidth(1, 3000);  // the user dragged it wider
+  f->SetDateStampCol(true);
+  EXPECT_EQ(f->Table().ColumnWidth(1), 1100);
+  f->Table().SetColumnWidth(1, 3000);
+  f->SetDateStampCol(false);
+  EXPECT_EQ(f->Table().ColumnWidth(1), 0);
+  f->SetTimeStampCol(true);
+  f->SetPCDStatusCol(true);
+  EXPECT_EQ(f->Table().ColumnWidth(2), 1100);
+  EXPECT_EQ(f->Table().ColumnWidth(3), 1100);
+}
+
+TEST(ControlProperties, GridFontReachesTheTableOnlyWhenRead) {
+  ControlFixture f;
+  f->SetGridFontName("DejaVu Sans Mono");
+  f->SetGridFontSize("12");
+  EXPECT_EQ(f->Table().FontName(), "Courier");
+  EXPECT_EQ(f->Table().FontSize(), 10);
+  EXPECT_EQ(f->GridFontName(), "DejaVu Sans Mono");
+  EXPECT_EQ(f->Table().FontName(), "DejaVu Sans Mono");
+  EXPECT_EQ(f->GridFontSize(), "12");
+  EXPECT_EQ(f->Table().FontSize(), 12);
+}
+
+TEST(ControlProperties, MaxRowsTrimsTheOldestRows) {
+  ControlFixture f;
+  for (int i = 1; i <= 5; ++i)
+    f->Table().AddItem(std::to_string(i));
+  f->SetMaxRows(3);
+  ASSERT_EQ(f->Table().DataRowCount(), 3);
+  EXPECT_EQ(f->Table().Text(1, 0), "3");
+  EXPECT_EQ(f->GetSurface().rowCount.caption, "3");
+  EXPECT_EQ(f->GetSurface().rowCount.foreColor, kColorRed);
+  f->SetMaxRows(10);
+  EXPECT_EQ(f->Table().DataRowCount(), 3);
+  EXPECT_EQ(f->GetSurface().rowCount.foreColor, kColorBlack);
+}
+
+TEST(ResourcePaths, SplitsAtCommasAndEndsEachEntryInASeparator) {
+  EXPECT_EQ(SplitResourcePath("C:\\a,,D:\\b"), (std::vector<std::string>{"C:\\a/", "", "D:\\b/"}));
+  EXPECT_EQ(SplitResourcePath("/srv/vtl/ ,/opt/x\\"),
+            (std::vector<std::string>{"/srv/vtl/", "/opt/x\\"}));
+  EXPECT_TRUE(SplitResourcePath("").empty());
+}
+
+}  // namespace
+}  // namespace vantrel

@@ -1,0 +1,110 @@
+#include "support/recording_host.h"
+
+namespace vantrel::testing {
+
+std::vector<int32_t> RegisterImage::Read(int32_t first, int32_t count) const {
+  std::vector<int32_t> out;
+  for (int32_t i = 0; i < count; ++i) {
+    auto it = registers.find(first + i);
+    out.push_back(it == registers.end() ? 0 : it->second);
+  }
+  return out;
+}
+
+std::vector<int32_t> RegisterImage::ReadDB(int32_t block, int32_t offset, int32_t count) const {
+  std::vector<int32_t> out;
+  auto db = dataBlocks.find(block);
+  for (int32_t i = 0; i < count; ++i) {
+    int32_t value = 0;
+    if (db != dataBlocks.end()) {
+      auto it = db->second.find(offset + i);
+      if (it != db->second.end()) value = it->second;
+    }
+    out.push_back(value);
+  }
+  return out;
+}
+
+void RecordingHost::Deliver(std::vector<int32_t> block) {
+  if (answer == Answer::Inside && control != nullptr) {
+    control->SetDataBlock(block);
+  } else if (answer == Answer::Later) {
+    pending_.push_back(std::move(block));
+  }
+}
+
+void RecordingHost::ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) {
+  events.push_back({"ReadPCDReg", {RegisterNumber, NumberToRead}, {}});
+  Deliver(image.Read(RegisterNumber, NumberToRead));
+}
+
+void RecordingHost::ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) {
+  events.push_back({"ReadPCDDB", {DBNumber, DBOffset, NumberToRead}, {}});
+  Deliver(image.ReadDB(DBNumber, DBOffset, NumberToRead));
+}
+
+void RecordingHost::ModulError(int16_t ErrType, std::string_view ErrMessage) {
+  events.push_back({"ModulError", {ErrType}, std::string(ErrMessage)});
+}
+
+void RecordingHost::OutputLine(std::string_view DataLine) {
+  events.push_back({"OutputLine", {}, std::string(DataLine)});
+}
+
+void RecordingHost::Status(int16_t ReadStatus) {
+  events.push_back({"Status", {ReadStatus}, {}});
+}
+
+void RecordingHost::PCDCmd(int16_t Cmd) {
+  events.push_back({"PCDCmd", {Cmd}, {}});
+}
+
+void RecordingHost::NewExportFile() {
+  events.push_back({"NewExportFile", {}, {}});
+}
+
+int RecordingHost::AnswerPending() {
+  auto blocks = std::move(pending_);
+  pending_.clear();
+  for (const auto& block : blocks)
+    control->SetDataBlock(block);
+  return static_cast<int>(blocks.size());
+}
+
+std::vector<RecordedEvent> RecordingHost::Named(const std::string& name) const {
+  std::vector<RecordedEvent> out;
+  for (const auto& e : events) {
+    if (e.name == name) out.push_back(e);
+  }
+  return out;
+}
+
+std::vector<int16_t> RecordingHost::Statuses() const {
+  std::vector<int16_t> out;
+  for (const auto& e : Named("Status"))
+    out.push_back(static_cast<int16_t>(e.args[0]));
+  return out;
+}
+
+std::vector<std::string> RecordingHost::Errors() const {
+  std::vector<std::string> out;
+  for (const auto& e : Named("ModulError"))
+    out.push_back(std::to_string(e.args[0]) + ":" + e.text);
+  return out;
+}
+
+void ControlFixture::Create(Container* container) {
+  control.reset();
+  host.events.clear();
+  control.emplace(host, ControlServices{loop, loop.Clock(), prompts, container});
+  host.control = &*control;
+}
+
+int32_t Packed(const char (&text)[5]) {
+  uint32_t word = 0;
+  for (int i = 0; i < 4; ++i)
+    word = (word << 8) | static_cast<unsigned char>(text[i]);
+  return static_cast<int32_t>(word);
+}
+
+}  // namespace vantrel::testing
