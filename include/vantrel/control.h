@@ -11,6 +11,7 @@
 
 #include "vantrel/clock.h"
 #include "vantrel/control_events.h"
+#include "vantrel/graph_model.h"
 #include "vantrel/prompts.h"
 #include "vantrel/property_bag.h"
 #include "vantrel/surface.h"
@@ -117,10 +118,20 @@ class Control {
   void ReadProperties(const PropertyBag& bag);
   void WriteProperties(PropertyBag& bag) const;
 
+  // What a user does on the control's surface.
+  void ClickGraphButton();
+  void ClickExportButton();
+  void ClickInfoButton();
+  // A mouse press on the table, `y` twips below its top edge.
+  void PressTable(int32_t y);
+  // A double-click on a cell of table column `column`.
+  void DoubleClickTable(int column);
+
   // What views present, and the reading state for hosts that show it.
   const Surface& GetSurface() const;
   TableModel& Table();
   const TableModel& Table() const;
+  const GraphModel& Graph() const;
   int16_t ReadState() const;
   void AddSurfaceObserver(SurfaceObserver* observer);
   void RemoveSurfaceObserver(SurfaceObserver* observer);

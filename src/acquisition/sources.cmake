@@ -1,5 +1,6 @@
 target_sources(vantrel PRIVATE
   acquisition/buffer_checks.cpp
+  acquisition/controller_status.cpp
   acquisition/reading_cycle.cpp
   acquisition/simulation.cpp
   acquisition/string_columns.cpp)

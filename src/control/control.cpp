@@ -5,6 +5,9 @@
 #include "control/guard.h"
 #include "control/module.h"
 #include "control/run_control.h"
+#include "decoding/grid_setup.h"
+#include "output/graph.h"
+#include "output/output_steps.h"
 
 namespace vantrel {
 
@@ -64,6 +67,35 @@ void Control::Crypt(std::string_view FileName) {
                                    "Cryptage Vantrel", MessageIcon::Information,
                                    MessageButtons::Ok);
   });
+}
+
+void Control::ClickGraphButton() {
+  Module& m = *module_;
+  Guarded(m, "cmdGraph", [&] { vantrel::ClickGraphButton(m); });
+}
+
+void Control::ClickExportButton() {
+  Module& m = *module_;
+  Guarded(m, "cmdExport", [&] { ExportFromButton(m); });
+}
+
+void Control::ClickInfoButton() {
+  Module& m = *module_;
+  Guarded(m, "cmdInfo", [&] { ShowInfo(m); });
+}
+
+void Control::PressTable(int32_t y) {
+  Module& m = *module_;
+  Guarded(m, "fxgRecords", [&] { PressGrid(m, y); });
+}
+
+void Control::DoubleClickTable(int column) {
+  Module& m = *module_;
+  Guarded(m, "fxgRecords", [&] { DoubleClickGrid(m, column); });
+}
+
+const GraphModel& Control::Graph() const {
+  return module_->chart;
 }
 
 const Surface& Control::GetSurface() const {

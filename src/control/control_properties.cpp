@@ -2,6 +2,7 @@
 // while the control is disabled; every accepted setter tells the container that the property
 // changed so that the host saves it.
 
+#include "acquisition/controller_status.h"
 #include "acquisition/reading_cycle.h"
 #include "control/guard.h"
 #include "control/module.h"
@@ -9,6 +10,7 @@
 #include "control/run_control.h"
 #include "decoding/grid_setup.h"
 #include "decoding/row_limit.h"
+#include "output/output_steps.h"
 #include "platform/numbers.h"
 #include "vantrel/control.h"
 
@@ -122,6 +124,8 @@ void Control::SetMaxGraph(int32_t value) {
   Guarded(m, "MaxGraph", [&] {
     m.props.MaxGraph = value < 20 ? 20 : value;
     m.MarkChanged("MaxGraph");
+    m.chart.SetPointCount(m.props.MaxGraph);
+    RefreshGraph(m);
   });
 }
 
@@ -144,6 +148,7 @@ void Control::SetPCDStatus(int32_t value) {
   Guarded(m, "PCDStatus", [&] {
     m.props.PCDStatus = value;
     m.MarkChanged("PCDStatus");
+    ChangePCDStatus(m);
   });
 }
 

@@ -11,6 +11,7 @@
 
 #include "description/trace_description.h"
 #include "vantrel/control.h"
+#include "vantrel/graph_model.h"
 
 namespace vantrel {
 
@@ -107,12 +108,24 @@ struct Control::Module {
   TableModel grid;
   bool gridRedrawPending = false;
   bool GraphShown = false;
+  GraphModel chart;
+  // Table columns drawn as series, with their header texts, from the last graph set-up.
+  std::vector<std::pair<int, std::string>> GraphColumns;
+  // Whether the last mouse press on the table hit its header row.
+  bool pressOnHeader = false;
+  // Decimal separator of decimal texts in the table (and of numbers read back from it).
+  char decimalSeparator = '.';
   std::unique_ptr<Timer> readTimer;
   std::unique_ptr<Timer> simulTimer;
   std::vector<SurfaceObserver*> surfaceObservers;
 
   int32_t LastPCDStatus = 0;
   std::string PCDStatusText;
+  // PC date and time of the last decoded record or status change, as shown in the rows.
+  std::string StatusDate;
+  std::string StatusTime;
+  // Set while an export ordered by the controller's command word runs.
+  bool CommandedExport = false;
 
   // Tells the container that a property changed, so that the host saves it.
   void MarkChanged(std::string_view property);

@@ -2,6 +2,7 @@ target_sources(vantrel PRIVATE
   control/clear.cpp
   control/control.cpp
   control/control_properties.cpp
+  control/layout.cpp
   control/module.cpp
   control/property_persistence.cpp
   control/resource_paths.cpp

@@ -4,19 +4,13 @@
 #include <fstream>
 
 #include "support/recording_host.h"
+#include "support/temp_dir.h"
 #include "vantrel/property_bag.h"
 
 namespace vantrel {
 namespace {
 
 using testing::ControlFixture;
-
-std::filesystem::path TempFile(const std::string& name) {
-  const auto dir = std::filesystem::temp_directory_path() /
-                   ("vantrel-bag-" + std::to_string(::getpid()) + "-" + name);
-  std::filesystem::create_directories(dir);
-  return dir / "control.properties";
-}
 
 TEST(PropertyBag, DefaultsAreNotStored) {
   ControlFixture f;
@@ -128,7 +122,8 @@ TEST(PropertyBag, UnreadableValuesFallBackToTheirDefaults) {
 }
 
 TEST(FilePropertyBag, SavesAndLoadsTextsWithLineBreaksAndNonAsciiCharacters) {
-  const auto path = TempFile("roundtrip");
+  testing::TempDir dir;
+  const std::string path = dir.File("control.properties");
   FilePropertyBag out;
   out.WriteProperty("ExportFile", std::string("C:\\t\\Pumpe \xE9\r\n100%.xls"), std::string());
   out.WriteProperty("MaxRows", int32_t{42}, int32_t{500});
@@ -147,7 +142,8 @@ TEST(FilePropertyBag, SavesAndLoadsTextsWithLineBreaksAndNonAsciiCharacters) {
 }
 
 TEST(FilePropertyBag, ReportsBadLinesWithTheirNumbersAndKeepsTheRest) {
-  const auto path = TempFile("bad");
+  testing::TempDir dir;
+  const std::string path = dir.File("control.properties");
   std::ofstream(path) << "# settings\nInterval=250\nno equals sign\n=5\nbad name=1\n"
                          "ExportFile=%zz\nMaxRows=9\n";
   FilePropertyBag bag;

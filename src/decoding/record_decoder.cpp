@@ -1,0 +1,349 @@
+#include "decoding/record_decoder.h"
+
+#include <string_view>
+
+#include "decoding/field_readers.h"
+#include "decoding/row_bookkeeping.h"
+#include "decoding/stamps.h"
+#include "platform/runtime_error.h"
+#include "platform/text.h"
+
+namespace vantrel {
+namespace {
+
+constexpr int16_t kBit = 1;
+constexpr int16_t kNible = 2;
+constexpr int16_t kByte = 3;
+constexpr int16_t kWord = 4;
+constexpr int16_t kLong = 5;
+constexpr int16_t kStrg = 6;
+
+constexpr int64_t kTwoTo32 = 4294967296LL;
+
+int64_t Unsigned(int32_t value) {
+  return value < 0 ? value + kTwoTo32 : value;
+}
+
+std::string Hex(int64_t value) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  if (value == 0) return "0";
+  std::string out;
+  auto u = static_cast<uint64_t>(value);
+  while (u != 0) {
+    out.insert(out.begin(), kDigits[u & 0xF]);
+    u >>= 4;
+  }
+  return out;
+}
+
+std::string PadLeft(std::string text, size_t width) {
+  text.insert(0, "000");
+  return text.size() > width ? text.substr(text.size() - width) : text;
+}
+
+// The leading decimal digits of a display code: decimals or a character count.
+int LeadingNumber(std::string_view code) {
+  int n = 0;
+  for (char c : code) {
+    if (c < '0' || c > '9') break;
+    n = n * 10 + (c - '0');
+    if (n > 99) break;
+  }
+  return n;
+}
+
+// What decoding one record needs besides the module.
+class RecordDecoder {
+ public:
+  RecordDecoder(Module& m, std::span<const int32_t> registers, size_t first)
+      : m_(m), registers_(registers), first_(first), sink_(m) {}
+
+  void DecodeColumn(const ColumnDef& column) {
+    comment_.clear();
+    code_ = column.DisplayCode;
+    last_ = code_.empty() ? '\0' : code_.back();
+    signMarker_ = IFind(code_, "s") != std::string_view::npos;
+    decimals_ = LeadingNumber(code_);
+    const int32_t reg = Register(column.RegisterIndex);
+    switch (column.FieldType) {
+      case kBit:
+        DecodeBit(column, reg);
+        break;
+      case kNible:
+      case kByte:
+      case kWord:
+        DecodePart(column, reg);
+        break;
+      case kLong:
+        DecodeLong(column, reg);
+        break;
+      case kStrg:
+        DecodeString(column, reg);
+        break;
+      default:
+        break;
+    }
+    if (!rawLine_.empty()) {
+      (rawLine_ += ';') += raw_;
+      (commentLine_ += ';') += comment_;
+    } else {
+      rawLine_ = raw_;
+      commentLine_ = comment_;
+    }
+    (displayLine_ += '\t') += display_;
+  }
+
+  void Finish() { AddRecordRow(m_, displayLine_, rawLine_, commentLine_); }
+
+ private:
+  // Reports a field reader's trapped error to the host and goes on.
+  class ReaderErrors : public ErrorSink {
+   public:
+    explicit ReaderErrors(Module& m) : m_(m) {}
+    void ReportError(std::string_view text) override { m_.RaiseError(kErrFieldReader, text); }
+
+   private:
+    Module& m_;
+  };
+
+  int32_t Register(int64_t offset) {
+    const int64_t index = static_cast<int64_t>(first_) + offset;
+    if (index < 0 || index >= static_cast<int64_t>(registers_.size())) {
+      throw RuntimeError::SubscriptOutOfRange();
+    }
+    lastRegister_ = registers_[static_cast<size_t>(index)];
+    return lastRegister_;
+  }
+
+  // The rendering shared by every field type for the value-list codes; false when the code
+  // is not one of them.
+  bool LookupByCode(const ColumnDef& column, int64_t value) {
+    switch (last_) {
+      case 's':
+        display_ = LookupColumnText(column, value, false);
+        return true;
+      case 'S':
+        display_ = LookupColumnText(column, value, true);
+        return true;
+      case 'f':
+        display_ = LookupValueText(column, value, false);
+        return true;
+      case 'F':
+        display_ = LookupValueText(column, value, true);
+        return true;
+      default:
+        return false;
+    }
+  }
+
+  std::string LookupValueText(const ColumnDef& column, int64_t value, bool plain) {
+    std::string key;
+    if (IEquals(column.Caption, "Application")) {
+      if (value > INT32_MAX || value < INT32_MIN) throw RuntimeError::Overflow();
+      m_.CurrentAppId = static_cast<int32_t>(value);
+      key = std::to_string(m_.CurrentAppId) + "_Application_0";
+    } else {
+      key = std::to_string(m_.CurrentAppId) + "_" + column.Caption + "_" + std::to_string(value);
+    }
+    if (const cValue* item = m_.valueTexts.Find(key)) {
+      comment_ = item->Comment();
+      return item->Text();
+    }
+    return plain ? std::to_string(value) : "<" + std::to_string(value) + ">";
+  }
+
+  void DecodeBit(const ColumnDef& column, int32_t reg) {
+    const int position = column.Position;
+    int64_t value = Unsigned(reg);
+    int bit = 1;  // a negative position leaves nothing to compare: the bit reads as set
+    if (position >= 0) {
+      if (position < 31) value %= int64_t{1} << (position + 1);
+      bit = value > (int64_t{1} << std::min(position, 40)) - 1 ? 1 : 0;
+    }
+    if (!LookupByCode(column, bit)) display_ = std::to_string(bit);
+    raw_ = std::to_string(bit);
+  }
+
+  void DecodePart(const ColumnDef& column, int32_t reg) {
+    const auto position = column.Position;
+    int64_t part = 0;
+    int binaryWidth = 4;
+    int dialWidth = 1;
+    if (column.FieldType == kNible) {
+      part = ReadNible(position, reg, sink_);
+    } else if (column.FieldType == kByte) {
+      part = ReadByte(position, reg, sink_);
+      binaryWidth = 8;
+      dialWidth = 2;
+    } else {
+      part = Read2Bytes(position, reg, sink_);
+      binaryWidth = 16;
+      dialWidth = 4;
+    }
+    switch (last_) {
+      case 'd':
+        if (signMarker_ && column.FieldType == kByte && part > 127) part -= 256;
+        if (signMarker_ && column.FieldType == kWord && part > 32767) part -= 65536;
+        display_ = DecimalText(part, decimals_, m_.decimalSeparator);
+        break;
+      case 'h':
+        display_ = column.FieldType == kNible ? Hex(part)
+                   : column.FieldType == kByte
+                       ? PadLeft(Hex(part), std::max<size_t>(2, Hex(part).size()))
+                       : PadLeft(Hex(part), 4);
+        break;
+      case 'a':
+        display_ =
+            ReadASCII(static_cast<int16_t>(column.FieldType == kWord ? 2 : 1), part, true, sink_);
+        break;
+      case 'b':
+        display_ = FormatBinary(static_cast<int32_t>(part), static_cast<int16_t>(binaryWidth));
+        break;
+      case 'p':
+        display_ = FormatDialString(static_cast<int16_t>(dialWidth), Hex(part));
+        break;
+      case 'e':
+        if (column.FieldType == kWord)
+          display_ = FormatSlashedWord(static_cast<int32_t>(part), sink_);
+        break;
+      default:
+        LookupByCode(column, part);
+        break;
+    }
+    raw_ = std::to_string(part);
+  }
+
+  void DecodeSymbol(const ColumnDef& column, int32_t reg, int64_t working) {
+    // Failures in a symbol format do not lose the record.
+    try {
+      if (code_ == "ga") {
+        display_ = ReadMedia(working, sink_);
+      } else if (code_ == "gv") {
+        const std::string media = ReadMedia(working, sink_);
+        display_ = media.size() > 2 ? media.substr(2) : std::string();
+      } else if (code_ == "gm") {
+        display_ = LookupColumnText(column, ReadByte(2, reg, sink_), false);
+      } else if (code_ == "gs" || code_ == "gc") {
+        const bool name = code_ == "gs";
+        display_ = name ? "<Not found>" : "<No found>";
+        if (const colSymbols* symbol = m_.symbols.Find(ReadMedia(working, sink_))) {
+          display_ = name ? symbol->Name() : symbol->Comment();
+        }
+      }
+    } catch (const RuntimeError&) {
+    }
+    raw_ = std::to_string(reg);
+  }
+
+  void DecodeLong(const ColumnDef& column, int32_t reg) {
+    const int64_t working = signMarker_ ? reg : Unsigned(reg);
+    if (code_.size() == 2 && code_[0] == 'g') {
+      DecodeSymbol(column, reg, working);
+      return;
+    }
+    raw_ = std::to_string(reg);
+    if (!code_.empty() && code_[0] == 't') {
+      display_ = FormatTimeValue(code_.substr(1), reg, m_.services.clock);
+      return;
+    }
+    const int64_t word0 = Read2Bytes(0, reg, sink_);
+    const int64_t word1 = Read2Bytes(1, reg, sink_);
+    switch (last_) {
+      case 'd':
+        display_ = DecimalText(reg, decimals_, m_.decimalSeparator);
+        break;
+      case 'h':
+        display_ = PadLeft(Hex(word1) + PadLeft(Hex(word0), 4), 8);
+        raw_ = std::to_string(word1);
+        break;
+      case 'a':
+        display_ =
+            ReadASCII(static_cast<int16_t>(decimals_ == 0 ? 4 : decimals_), working, true, sink_);
+        break;
+      case 'b':
+        display_ = FormatBinary(static_cast<int32_t>(word1), 16) + " " +
+                   FormatBinary(static_cast<int32_t>(word0), 16);
+        raw_ = std::to_string(word0);
+        break;
+      case 'p':
+        display_ = FormatDialString(4, Hex(word1)) + FormatDialString(4, Hex(word0));
+        raw_ = std::to_string(word0);
+        break;
+      default:
+        LookupByCode(column, working);
+        break;
+    }
+  }
+
+  void DecodeString(const ColumnDef& column, int32_t reg) {
+    if (last_ == 'a') {
+      std::string text;
+      for (int i = 0; i <= column.ExtraRegisters; ++i) {
+        text += ReadASCII(4, Unsigned(Register(column.RegisterIndex + i)), true, sink_);
+      }
+      display_ = text.substr(0, static_cast<size_t>(std::max(column.StringLength, 0)));
+    }
+    (void)reg;
+    // A string column adds the last register it read to the raw values, before its own field.
+    (rawLine_ += ';') += std::to_string(lastRegister_);
+  }
+
+  Module& m_;
+  std::span<const int32_t> registers_;
+  size_t first_;
+  ReaderErrors sink_;
+  std::string code_;
+  char last_ = '\0';
+  bool signMarker_ = false;
+  int decimals_ = 0;
+  int32_t lastRegister_ = 0;
+  std::string display_;
+  std::string raw_;
+  std::string comment_;
+  std::string displayLine_;
+  std::string rawLine_;
+  std::string commentLine_;
+};
+
+}  // namespace
+
+std::string DecimalText(int64_t value, int decimals, char decimalSeparator) {
+  if (decimals <= 0) return (value >= 0 ? " " : "") + std::to_string(value);
+  const bool negative = value < 0;
+  std::string digits = std::to_string(negative ? -value : value);
+  if (digits.size() <= static_cast<size_t>(decimals)) {
+    digits.insert(0, static_cast<size_t>(decimals) + 1 - digits.size(), '0');
+  }
+  digits.insert(digits.size() - static_cast<size_t>(decimals), 1, decimalSeparator);
+  return negative ? "-" + digits : digits;
+}
+
+std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain) {
+  for (size_t i = 0; i < column.Values.size(); ++i) {
+    if (column.Values[i] == value) return column.ValueTexts[i];
+  }
+  if (!column.DefaultText.empty()) return column.DefaultText;
+  return plain ? std::to_string(value) : "<" + std::to_string(value) + ">";
+}
+
+bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
+  try {
+    const DateTime now = m.services.clock.Now();
+    m.StatusDate = FormatStatusDate(now);
+    m.StatusTime = FormatStatusTime(now);
+    RecordDecoder decoder(m, registers, first);
+    const int highest = std::min<int>(m.description.ColumnCount, 127);
+    for (int number = 0; number <= highest; ++number) {
+      const ColumnDef& column = m.description.Columns[static_cast<size_t>(number)];
+      if (column.Defined) decoder.DecodeColumn(column);
+    }
+    decoder.Finish();
+    return true;
+  } catch (const RuntimeError& e) {
+    m.services.prompts.ShowMessage(e.Description(), "Vantrel", MessageIcon::Exclamation,
+                                   MessageButtons::Ok);
+    return false;
+  }
+}
+
+}  // namespace vantrel

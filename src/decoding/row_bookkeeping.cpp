@@ -1,0 +1,94 @@
+#include "decoding/row_bookkeeping.h"
+
+#include <string>
+
+#include "output/output_steps.h"
+
+namespace vantrel {
+namespace {
+
+constexpr char kTab = '\t';
+constexpr std::string_view kDashes = "----------------";
+constexpr int32_t kRecordCountLimit = 2147483647;
+
+// The stamps the host asked to see in front of the row's data.
+std::string EventText(const Module& m, std::string_view status, std::string_view data) {
+  std::string text;
+  if (m.props.DateStampCol) (text += m.StatusDate) += kTab;
+  if (m.props.TimeStampCol) (text += m.StatusTime) += kTab;
+  if (m.props.PCDStatusCol) (text += status) += kTab;
+  text += data;
+  return text;
+}
+
+// One dash cell for each data column after the first (`firstToo` adds one for the first).
+std::string DashFiller(const Module& m, bool firstToo) {
+  std::string filler;
+  if (firstToo) filler += kDashes;
+  for (int k = 3; k <= m.grid.ColumnCount() - 3; ++k)
+    (filler += kTab) += kDashes;
+  return filler;
+}
+
+void AddMarkerRow(Module& m, const std::string& status, const std::string& filler) {
+  m.grid.AddItem(std::to_string(m.walk.RecordCount) + kTab + m.StatusDate + kTab + m.StatusTime +
+                 kTab + status + kTab + filler);
+  m.events.OutputLine(EventText(m, status, filler));
+}
+
+void ScrollToNewest(Module& m) {
+  const int32_t rowHeight = m.grid.RowHeight();
+  const int visible = rowHeight > 0 ? static_cast<int>(m.grid.ViewHeight() / rowHeight) : 0;
+  if (m.grid.RowCount() > visible) {
+    const int top = std::max(1, std::min(m.grid.RowCount() - visible + 1, m.grid.RowCount() - 1));
+    m.grid.SetTopRow(top);
+  }
+}
+
+}  // namespace
+
+void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawLine,
+                  std::string_view commentLine) {
+  if (!displayLine.empty() && displayLine.front() == kTab) displayLine.remove_prefix(1);
+  m.events.OutputLine(EventText(m, m.PCDStatusText, displayLine));
+
+  if (m.walk.RecordCount >= kRecordCountLimit) {
+    m.walk.RecordCount = 0;
+    m.surface.recordCount.foreColor = kColorRed;
+  } else {
+    ++m.walk.RecordCount;
+  }
+  m.surface.recordCount.caption = std::to_string(m.walk.RecordCount);
+
+  const int rows = m.grid.DataRowCount();
+  if (rows < m.props.MaxRows) {
+    m.surface.rowCount = {std::to_string(rows + 1), kColorBlack};
+  } else if (m.props.AutoExport) {
+    ExportFromButton(m);
+  } else if (rows > 0) {
+    m.grid.RemoveRow(1);
+    m.surface.rowCount = {std::to_string(m.props.MaxRows), kColorRed};
+  }
+  m.SurfaceChanged();
+
+  std::string row = std::to_string(m.walk.RecordCount);
+  row.reserve(row.size() + displayLine.size() + rawLine.size() + commentLine.size() + 40);
+  (((((row += kTab) += m.StatusDate) += kTab) += m.StatusTime) += kTab) += m.PCDStatusText;
+  (row += kTab) += displayLine;
+  (row += kTab) += rawLine;
+  (row += kTab) += commentLine;
+  m.grid.AddItem(row);
+
+  if (m.GraphShown) RefreshGraph(m);
+  ScrollToNewest(m);
+}
+
+void AddMissRow(Module& m, int64_t missed) {
+  AddMarkerRow(m, "Miss " + std::to_string(missed), DashFiller(m, false));
+}
+
+void AddRestartRow(Module& m) {
+  AddMarkerRow(m, "Restart", DashFiller(m, true));
+}
+
+}  // namespace vantrel

@@ -1,0 +1,172 @@
+// Rows added to the table: stamps, counters, the row limit and the marker rows.
+
+#include "decoding/row_bookkeeping.h"
+
+#include <gtest/gtest.h>
+
+#include "acquisition/controller_status.h"
+#include "support/module_fixture.h"
+
+namespace vantrel {
+namespace {
+
+using testing::ModuleFixture;
+
+struct RowFixture : ModuleFixture {
+  RowFixture() {
+    Define(1, 4, 0, 0, "A", "d");
+    Define(2, 4, 0, 1, "B", "d");
+    Build();  // 8 columns: number, date, time, status, A, B, raw, comment
+    m.StatusDate = "15/11/26";
+    m.StatusTime = "08:15:30";
+    m.PCDStatusText = "Run";
+  }
+  std::vector<std::string> Lines() const {
+    std::vector<std::string> out;
+    for (const auto& e : host.Named("OutputLine"))
+      out.push_back(e.text);
+    return out;
+  }
+  std::vector<std::string> Row(int r) const {
+    std::vector<std::string> cells;
+    for (int c = 0; c < m.grid.ColumnCount(); ++c)
+      cells.emplace_back(m.grid.Text(r, c));
+    return cells;
+  }
+};
+
+TEST(RecordRows, CellsCarryTheStampsAndTheEventTheChosenOnes) {
+  RowFixture f;
+  AddRecordRow(f.m, "\t 1\t 2", "1;2", ";");
+  EXPECT_EQ(f.Row(1),
+            (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", " 1", " 2", "1;2", ";"}));
+  EXPECT_EQ(f.Lines(), std::vector<std::string>{" 1\t 2"});
+  f.m.props.DateStampCol = true;
+  f.m.props.PCDStatusCol = true;
+  AddRecordRow(f.m, "\t 3\t 4", "3;4", ";");
+  f.m.props.DateStampCol = false;
+  f.m.props.TimeStampCol = true;
+  AddRecordRow(f.m, "\t 5\t 6", "5;6", ";");
+  EXPECT_EQ(f.Lines()[1], "15/11/26\tRun\t 3\t 4");
+  EXPECT_EQ(f.Lines()[2], "08:15:30\tRun\t 5\t 6");
+  EXPECT_EQ(f.m.walk.RecordCount, 3);
+  EXPECT_EQ(f.m.surface.recordCount.caption, "3");
+  EXPECT_EQ(f.m.surface.rowCount.caption, "3");
+}
+
+TEST(RecordRows, TheRowLimitDropsTheOldestAndTurnsTheCounterRed) {
+  RowFixture f;
+  f.m.props.MaxRows = 3;
+  for (int i = 1; i <= 3; ++i)
+    AddRecordRow(f.m, "\tx\ty", "", "");
+  EXPECT_EQ(f.m.surface.rowCount.foreColor, kColorBlack);
+  AddRecordRow(f.m, "\tx\ty", "", "");
+  EXPECT_EQ(f.m.grid.DataRowCount(), 3);
+  EXPECT_EQ(f.m.grid.Text(1, 0), "2");
+  EXPECT_EQ(f.m.surface.rowCount.caption, "3");
+  EXPECT_EQ(f.m.surface.rowCount.foreColor, kColorRed);
+}
+
+TEST(RecordRows, TheRecordCounterRestartsAtItsLimit) {
+  RowFixture f;
+  f.m.walk.RecordCount = 2147483647;
+  AddRecordRow(f.m, "", "", "");
+  EXPECT_EQ(f.m.walk.RecordCount, 0);
+  EXPECT_EQ(f.m.surface.recordCount.foreColor, kColorRed);
+}
+
+TEST(RecordRows, TheNewestRowStaysInView) {
+  RowFixture f;
+  f.m.grid.SetRowHeight(240);
+  f.m.grid.SetViewHeight(240 * 5);  // five rows fit
+  for (int i = 0; i < 12; ++i)
+    AddRecordRow(f.m, "", "", "");
+  EXPECT_EQ(f.m.grid.TopRow(), 13 - 5 + 1);
+  f.m.grid.SetViewHeight(0);
+  AddRecordRow(f.m, "", "", "");
+  EXPECT_EQ(f.m.grid.TopRow(), f.m.grid.RowCount() - 1) << "never past the last row";
+}
+
+TEST(MarkerRows, MissFillsEveryDataColumnButTheFirstWithDashes) {
+  RowFixture f;
+  f.m.walk.RecordCount = 7;
+  AddMissRow(f.m, 11);
+  const std::string d = "----------------";
+  EXPECT_EQ(f.Row(1),
+            (std::vector<std::string>{"7", "15/11/26", "08:15:30", "Miss 11", "", d, d, d}));
+  EXPECT_EQ(f.Lines(), std::vector<std::string>{"\t" + d + "\t" + d + "\t" + d});
+  EXPECT_EQ(f.m.walk.RecordCount, 7) << "marker rows do not count as records";
+}
+
+TEST(MarkerRows, RestartFillsTheFirstDataColumnToo) {
+  RowFixture f;
+  f.m.props.PCDStatusCol = true;
+  f.m.props.DateStampCol = true;
+  AddRestartRow(f.m);
+  const std::string d = "----------------";
+  EXPECT_EQ(f.Row(1),
+            (std::vector<std::string>{"0", "15/11/26", "08:15:30", "Restart", d, d, d, d}));
+  EXPECT_EQ(f.Lines(),
+            std::vector<std::string>{"15/11/26\tRestart\t" + d + "\t" + d + "\t" + d + "\t" + d});
+}
+
+TEST(ControllerStatus, CodesHaveTheirTextsAndSixHasNone) {
+  EXPECT_EQ(PCDStatusTextOf(0), "Offline");
+  EXPECT_EQ(PCDStatusTextOf(1), "Disconnect");
+  EXPECT_EQ(PCDStatusTextOf(2), "Run");
+  EXPECT_EQ(PCDStatusTextOf(3), "Stop");
+  EXPECT_EQ(PCDStatusTextOf(4), "Halt");
+  EXPECT_EQ(PCDStatusTextOf(5), "Conditional Run");
+  EXPECT_EQ(PCDStatusTextOf(6), "Bad Status");
+  EXPECT_EQ(PCDStatusTextOf(7), "Conditional Stop");
+  EXPECT_EQ(PCDStatusTextOf(8), "Trace");
+  EXPECT_EQ(PCDStatusTextOf(-1), "Bad Status");
+}
+
+TEST(ControllerStatus, AChangeAddsOneStatusRowOnceTheBufferIsKnown) {
+  RowFixture f;
+  f.m.buffer.ReadState = 1;
+  f.m.props.PCDStatus = 3;
+  ChangePCDStatus(f.m);
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0) << "before the pointer only the text changes";
+  EXPECT_EQ(f.m.PCDStatusText, "Stop");
+  f.m.buffer.ReadState = 2;
+  f.m.props.PCDStatus = 2;
+  ChangePCDStatus(f.m);
+  ChangePCDStatus(f.m);
+  ASSERT_EQ(f.m.grid.DataRowCount(), 1);
+  EXPECT_EQ(f.Row(1),
+            (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", "", "", "", ""}));
+}
+
+TEST(ControllerCommands, ClearAndShutDownActOnceEach) {
+  RowFixture f;
+  AddRecordRow(f.m, "\tx\ty", "", "");
+  f.m.buffer.CommandWord = 1;
+  CheckCommand(f.m);
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  f.m.buffer.CommandWord = 9;
+  CheckCommand(f.m);
+  CheckCommand(f.m);
+  ASSERT_EQ(f.prompts.Notices().size(), 1u);
+  EXPECT_EQ(f.prompts.Notices()[0].message, "Vantrel Application will shut down...");
+  EXPECT_EQ(f.prompts.Notices()[0].durationMs, 3000);
+  EXPECT_EQ(f.host.Named("PCDCmd").size(), 1u);
+}
+
+TEST(ControllerCommands, PCDCmdIsRaisedOnlyAfterTheNoticeClosed) {
+  RowFixture f;
+  bool raisedDuringNotice = false;
+  f.prompts.SetNoticeWaiter([&](int ms) {
+    raisedDuringNotice = !f.host.Named("PCDCmd").empty();
+    f.loop.Advance(ms);
+  });
+  f.m.buffer.CommandWord = 9;
+  CheckCommand(f.m);
+  EXPECT_FALSE(raisedDuringNotice);
+  EXPECT_EQ(f.host.Named("PCDCmd"), (std::vector<testing::RecordedEvent>{{"PCDCmd", {9}, ""}}));
+  EXPECT_EQ(f.loop.ElapsedMs(), 3000);
+}
+
+}  // namespace
+}  // namespace vantrel
