@@ -31,11 +31,9 @@ void ResetBufferState(Module& m) {
   m.description.CounterIndex = 0;
   m.buffer.HeaderVersion = 0;
   m.buffer.BufferLen = 0;
-  m.walk.RecordNumber = 0;
   m.buffer.RecordReadOffset = 0;
   m.description.RecordLength = 0;
-  m.buffer.RecordsToRead = 0;
-  ResetWalkCounters(m);
+  ResetWalkCounters(m);  // also the record number and the records to read
   m.walk.FirstRead = true;
 }
 

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <functional>
 
+#include "platform/basic_timer.h"
+
 namespace vantrel {
 
-class ManualEventLoop::ManualTimer final : public Timer {
+class ManualEventLoop::ManualTimer final : public BasicTimer {
  public:
   ManualTimer(ManualEventLoop& loop, uint64_t id) : loop_(&loop), id_(id) {
     loop.timers_.push_back(this);
@@ -14,39 +16,23 @@ class ManualEventLoop::ManualTimer final : public Timer {
     if (loop_ != nullptr) std::erase(loop_->timers_, this);
   }
 
-  void SetInterval(int32_t milliseconds) override {
-    interval_ = std::max(milliseconds, 0);
-    Rearm();
-  }
-  int32_t Interval() const override { return interval_; }
-  void SetEnabled(bool enabled) override {
-    if (enabled == enabled_) return;
-    enabled_ = enabled;
-    Rearm();
-  }
-  bool Enabled() const override { return enabled_; }
-  void SetTickHandler(std::function<void()> onTick) override { onTick_ = std::move(onTick); }
-
-  bool Armed() const { return loop_ != nullptr && enabled_ && interval_ > 0; }
+  bool Armed() const { return loop_ != nullptr && Ticking(); }
   int64_t Due() const { return due_; }
   uint64_t Id() const { return id_; }
   void Detach() { loop_ = nullptr; }
   void Tick() {
-    due_ += interval_;
-    if (onTick_) onTick_();
+    due_ += Interval();
+    RunHandler();
   }
 
  private:
-  void Rearm() {
-    if (loop_ != nullptr) due_ = loop_->now_ + interval_;
+  void Rearm() override {
+    if (loop_ != nullptr) due_ = loop_->now_ + Interval();
   }
 
   ManualEventLoop* loop_;
   uint64_t id_;
-  int32_t interval_ = 0;
-  bool enabled_ = false;
   int64_t due_ = 0;
-  std::function<void()> onTick_;
 };
 
 ManualEventLoop::~ManualEventLoop() {

@@ -7,12 +7,14 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/basic_timer.h"
+
 namespace vantrel {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-class PollEventLoop::PollTimer final : public Timer {
+class PollEventLoop::PollTimer final : public BasicTimer {
  public:
   PollTimer(PollEventLoop& loop, uint64_t id) : loop_(&loop), id_(id) {
     loop.timers_.push_back(this);
@@ -20,38 +22,23 @@ class PollEventLoop::PollTimer final : public Timer {
   ~PollTimer() override {
     if (loop_ != nullptr) std::erase(loop_->timers_, this);
   }
-  void SetInterval(int32_t ms) override {
-    interval_ = std::max(ms, 0);
-    Rearm();
-  }
-  int32_t Interval() const override { return interval_; }
-  void SetEnabled(bool enabled) override {
-    if (enabled == enabled_) return;
-    enabled_ = enabled;
-    Rearm();
-  }
-  bool Enabled() const override { return enabled_; }
-  void SetTickHandler(std::function<void()> onTick) override { onTick_ = std::move(onTick); }
 
-  bool Armed() const { return loop_ != nullptr && enabled_ && interval_ > 0; }
+  bool Armed() const { return loop_ != nullptr && Ticking(); }
   TimePoint Due() const { return due_; }
   uint64_t Id() const { return id_; }
   void Detach() { loop_ = nullptr; }
   void Tick(TimePoint now) {
     // A late tick does not cause a burst of catch-up ticks.
-    due_ = std::max(due_ + milliseconds(interval_), now);
-    if (onTick_) onTick_();
+    due_ = std::max(due_ + milliseconds(Interval()), now);
+    RunHandler();
   }
 
  private:
-  void Rearm() { due_ = steady_clock::now() + milliseconds(interval_); }
+  void Rearm() override { due_ = steady_clock::now() + milliseconds(Interval()); }
 
   PollEventLoop* loop_;
   uint64_t id_;
-  int32_t interval_ = 0;
-  bool enabled_ = false;
   TimePoint due_{};
-  std::function<void()> onTick_;
 };
 
 PollEventLoop::PollEventLoop() {
