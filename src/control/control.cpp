@@ -1,6 +1,7 @@
 #include "vantrel/control.h"
 
 #include "acquisition/reading_cycle.h"
+#include "acquisition/simulation.h"
 #include "control/clear.h"
 #include "control/guard.h"
 #include "control/module.h"
@@ -15,6 +16,7 @@ Control::Control(ControlEvents& events, ControlServices services)
     : module_(std::make_unique<Module>(events, std::move(services))) {
   Module& m = *module_;
   m.readTimer->SetTickHandler([&m] { Guarded(m, "ReadTimer", [&] { OnReadTimer(m); }); });
+  m.simulTimer->SetTickHandler([&m] { Guarded(m, "SimulTimer", [&] { OnSimulationTimer(m); }); });
   Guarded(m, "Initialize", [&] { InitializeControl(m); });
 }
 

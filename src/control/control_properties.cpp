@@ -4,6 +4,7 @@
 
 #include "acquisition/controller_status.h"
 #include "acquisition/reading_cycle.h"
+#include "acquisition/simulation.h"
 #include "control/guard.h"
 #include "control/module.h"
 #include "control/resource_paths.h"
@@ -216,7 +217,11 @@ bool Control::Simulation() const {
 void Control::SetSimulation(bool value) {
   Module& m = *module_;
   SetWhileEnabled(m, "Simulation", m.props.Simulation, value, [&] {
-    if (!value) Reset();
+    if (value) {
+      StartSimulation(m);
+    } else {
+      Reset();
+    }
   });
 }
 

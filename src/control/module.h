@@ -3,6 +3,7 @@
 // reading cycle, the trace description, the table and surface models and the services. The
 // subsystem folders each act on it through small functions; one Module per control instance.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -118,6 +119,14 @@ struct Control::Module {
   std::unique_ptr<Timer> readTimer;
   std::unique_ptr<Timer> simulTimer;
   std::vector<SurfaceObserver*> surfaceObservers;
+
+  // The simulated controller: header (write counter, last slot written 1-based, ring
+  // size at index 3), the ring of records, and the two phase angles in degrees.
+  std::array<int32_t, 5> SimHeader{};
+  std::vector<int32_t> SimRecords;
+  int32_t SimRecordCount = 0;
+  double SimAngle1 = 0;
+  int16_t SimAngle2 = 0;
 
   int32_t LastPCDStatus = 0;
   std::string PCDStatusText;

@@ -1,0 +1,79 @@
+// The simulated controller program and its ring of records.
+
+#include "acquisition/simulation.h"
+
+#include <gtest/gtest.h>
+
+#include "support/module_fixture.h"
+#include "support/recording_host.h"
+
+namespace vantrel {
+namespace {
+
+using testing::ModuleFixture;
+
+struct SimulationFixture : ModuleFixture {
+  explicit SimulationFixture(int16_t recordLength = 3, int32_t records = 2) {
+    m.description.RecordLength = recordLength;
+    PrepareSimulation(m, 500, records);
+    StartSimulation(m);
+  }
+};
+
+TEST(Simulation, TheFirstRecordStartsWithTheTwoSineValues) {
+  SimulationFixture f;
+  OnSimulationTimer(f.m);
+  EXPECT_EQ(f.m.SimAngle1, 10);
+  EXPECT_EQ(f.m.SimAngle2, 20);
+  EXPECT_EQ(f.m.SimRecords[0], 117);
+  EXPECT_EQ(f.m.SimRecords[1], 67);
+  EXPECT_EQ(f.m.SimRecords[2], 22);
+  EXPECT_EQ(f.m.SimHeader[0], 1);
+  EXPECT_EQ(f.m.SimHeader[1], 1);
+  EXPECT_EQ(f.m.SimHeader[3], 2);
+}
+
+TEST(Simulation, RecordsGoRoundTheRing) {
+  SimulationFixture f;
+  std::vector<int32_t> lastSlots;
+  for (int tick = 1; tick <= 4; ++tick) {
+    OnSimulationTimer(f.m);
+    lastSlots.push_back(f.m.SimHeader[1]);
+  }
+  EXPECT_EQ(lastSlots, (std::vector<int32_t>{1, 2, 1, 2}));
+  EXPECT_EQ(f.m.SimRecords[2], 3 * 2 * 11) << "record 1 rewritten by the third tick";
+  EXPECT_EQ(f.m.SimRecords[5], 4 * 2 * 11);
+  EXPECT_EQ(f.m.SimRecords.size(), 7u);
+}
+
+TEST(Simulation, AnglesWrapAt360) {
+  SimulationFixture f;
+  int16_t highest = 0;
+  for (int tick = 0; tick < 100; ++tick) {
+    OnSimulationTimer(f.m);
+    highest = std::max(highest, f.m.SimAngle2);
+    EXPECT_LE(f.m.SimAngle1, 350);
+  }
+  EXPECT_EQ(highest, 340);
+  // 36 ticks bring the first angle back to 0 after 350.
+  EXPECT_EQ(f.m.SimAngle1, (100 % 36) * 10);
+}
+
+TEST(Simulation, NothingIsWrittenWithoutARecordLength) {
+  SimulationFixture f(0, 5);
+  OnSimulationTimer(f.m);
+  EXPECT_EQ(f.m.SimHeader[0], 1);
+  EXPECT_EQ(f.m.SimRecords, std::vector<int32_t>{0});
+}
+
+TEST(Simulation, TheSimulationTimerRunsOnceSwitchedOn) {
+  testing::ControlFixture f;
+  f->SetSimulation(true);
+  EXPECT_TRUE(f->Simulation());
+  f->SetSimulation(false);
+  EXPECT_FALSE(f->Simulation());
+  EXPECT_EQ(f->GetSurface().title.caption, "No Buffer Selected") << "switching off resets";
+}
+
+}  // namespace
+}  // namespace vantrel
