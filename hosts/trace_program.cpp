@@ -44,6 +44,16 @@ int32_t RegisterGenerator::Value(int64_t n, const DateTime& now, std::mt19937& r
       return PackedText(text);
     case GeneratorKind::Constant:
       return Wrap(offset);
+    case GeneratorKind::Fields: {
+      uint32_t word = 0;
+      for (const GeneratedField& f : fields) {
+        if (f.generator.empty() || f.width <= 0 || f.shift < 0 || f.shift > 31) continue;
+        const uint32_t mask = f.width >= 32 ? 0xFFFFFFFFu : ((1u << f.width) - 1u);
+        const auto part = static_cast<uint32_t>(f.generator.front().Value(n, now, random));
+        word |= (part & mask) << f.shift;
+      }
+      return static_cast<int32_t>(word);
+    }
   }
   return 0;
 }

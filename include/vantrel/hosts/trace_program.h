@@ -22,6 +22,16 @@ enum class GeneratorKind {
   TimeStamp,   // MMDDhhmmss from the clock
   Text,        // four characters, first in the most significant byte
   Constant,
+  Fields,  // several generators, each masked to its width and shifted into place
+};
+
+struct RegisterGenerator;
+
+// One field of a register made of several: `width` bits at bit `shift`.
+struct GeneratedField {
+  int shift = 0;
+  int width = 32;
+  std::vector<RegisterGenerator> generator;  // exactly one
 };
 
 struct RegisterGenerator {
@@ -30,6 +40,7 @@ struct RegisterGenerator {
   int64_t offset = 0;
   int32_t period = 1;
   std::string text;
+  std::vector<GeneratedField> fields;
   // The value for the record numbered `n` (1 for the first record ever written).
   int32_t Value(int64_t n, const DateTime& now, std::mt19937& random) const;
 
@@ -51,6 +62,12 @@ struct RegisterGenerator {
   }
   static RegisterGenerator Constant(int64_t value) {
     return Make(GeneratorKind::Constant, 0, value);
+  }
+  // `parts` as (bit position, width, generator).
+  static RegisterGenerator Fields(std::vector<GeneratedField> parts) {
+    RegisterGenerator g = Make(GeneratorKind::Fields);
+    g.fields = std::move(parts);
+    return g;
   }
 
  private:

@@ -1,0 +1,173 @@
+#include "run_command.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <string>
+
+#include "console_prompts.h"
+#include "event_log.h"
+#include "vantrel/control.h"
+#include "vantrel/hosts/pump_station.h"
+#include "vantrel/hosts/register_space.h"
+#include "vantrel/poll_event_loop.h"
+
+namespace vantrel::cli {
+namespace {
+
+// The loop that SIGINT and SIGTERM end; set only while a run is under way.
+std::atomic<PollEventLoop*> signalledLoop{nullptr};
+
+extern "C" void OnStopSignal(int) {
+  if (PollEventLoop* loop = signalledLoop.load()) loop->RequestQuit();
+}
+
+class RunHost : public ControlEvents {
+ public:
+  RunHost(PollEventLoop& loop, hosts::RegisterSpace& space, EventLog& log, int64_t rowLimit)
+      : loop_(loop), space_(space), log_(log), rowLimit_(rowLimit) {}
+
+  Control* control = nullptr;
+  bool failed = false;
+
+  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
+    log_.Write("ReadPCDReg", "\"RegisterNumber\":" + std::to_string(RegisterNumber) +
+                                 ",\"NumberToRead\":" + std::to_string(NumberToRead));
+    Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
+  }
+  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
+    log_.Write("ReadPCDDB", "\"DBNumber\":" + std::to_string(DBNumber) +
+                                ",\"DBOffset\":" + std::to_string(DBOffset) +
+                                ",\"NumberToRead\":" + std::to_string(NumberToRead));
+    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
+  }
+  void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
+    log_.Write("ModulError", "\"ErrType\":" + std::to_string(ErrType) +
+                                 ",\"ErrMessage\":" + JsonString(ErrMessage));
+    std::fprintf(stderr, "ModulError %d: %s\n", ErrType, Printable(ErrMessage).c_str());
+    // A failed description or record load leaves nothing more to read.
+    if (control != nullptr && (control->RunMode() == 0 || control->ReadState() < 3)) {
+      failed = true;
+      loop_.Quit();
+    }
+  }
+  void OutputLine(std::string_view DataLine) override {
+    log_.Write("OutputLine", "\"DataLine\":" + JsonString(DataLine));
+    std::printf("%s\n", Printable(DataLine).c_str());
+    std::fflush(stdout);
+    if (rowLimit_ > 0 && ++rows_ >= rowLimit_) loop_.Quit();
+  }
+  void Status(int16_t ReadStatus) override {
+    log_.Write("Status", "\"ReadStatus\":" + std::to_string(ReadStatus));
+    // Once the pointer is read, start refreshing.
+    if (ReadStatus == 2 && !started_) {
+      started_ = true;
+      loop_.Post([this] { control->SetRunMode(2); });
+    }
+  }
+  void PCDCmd(int16_t Cmd) override {
+    log_.Write("PCDCmd", "\"Cmd\":" + std::to_string(Cmd));
+    if (Cmd == 9) loop_.Quit();  // the controller asks its host to shut down
+  }
+  void NewExportFile() override { log_.Write("NewExportFile", ""); }
+
+ private:
+  // The answer arrives on the next turn of the loop, as it would from a transport.
+  void Answer(std::vector<int32_t> block) {
+    loop_.Post([this, block = std::move(block)] { control->SetDataBlock(block); });
+  }
+
+  PollEventLoop& loop_;
+  hosts::RegisterSpace& space_;
+  EventLog& log_;
+  int64_t rowLimit_;
+  int64_t rows_ = 0;
+  bool started_ = false;
+};
+
+void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) {
+  control.SetStartRegister(o.startRegister.value_or(startRegister));
+  if (o.resourcePath) {
+    control.SetResourcePath(*o.resourcePath);
+  } else if (o.propertiesFile.empty()) {
+    // The embedded controller runs the bundled example: find its description there.
+    control.SetResourcePath(VANTREL_EXAMPLES_DIR);
+  }
+  if (o.projectPath) control.SetProjectPath(*o.projectPath);
+  if (o.userFile) control.SetUserFile(*o.userFile);
+  if (o.symbols) control.SetSymbFile(*o.symbols);
+  if (o.interval) control.SetInterval(*o.interval);
+  if (o.maxRows) control.SetMaxRows(*o.maxRows);
+  if (o.dateColumn) control.SetDateStampCol(true);
+  if (o.timeColumn) control.SetTimeStampCol(true);
+  if (o.statusColumn) control.SetPCDStatusCol(true);
+  if (o.exportFile) control.SetExportFile(*o.exportFile);
+  if (o.indexFile) control.SetIndexFile(*o.indexFile);
+  if (o.autoExport) control.SetAutoExport(true);
+  if (o.simulation) control.SetSimulation(true);
+}
+
+}  // namespace
+
+int Run(const RunOptions& o) {
+  if (o.controller != "sim") {
+    std::fprintf(stderr, "vantrel run: unknown controller '%s' (only 'sim' is available)\n",
+                 o.controller.c_str());
+    return 2;
+  }
+  EventLog log(o.eventsFile);
+  if (!log.Ok()) {
+    std::fprintf(stderr, "vantrel run: cannot write the events to %s\n", o.eventsFile.c_str());
+    return 2;
+  }
+  PollEventLoop loop;
+  SystemClock clock;
+  ConsolePrompts prompts;
+  prompts.answer = o.yes ? MessageResult::Yes : MessageResult::No;
+  prompts.chosenFile = o.choose;
+
+  hosts::RegisterSpace space;
+  hosts::TraceProgram program(space, hosts::PumpStationProgram(), clock);
+  program.Install();
+  auto recordTimer = loop.CreateTimer();
+  recordTimer->SetInterval(o.recordIntervalMs);
+  recordTimer->SetTickHandler([&] { program.WriteRecords(1); });
+  recordTimer->SetEnabled(true);
+
+  RunHost host(loop, space, log, o.records);
+  Control control(host, {loop, clock, prompts});
+  host.control = &control;
+  if (!o.propertiesFile.empty()) {
+    FilePropertyBag bag;
+    if (!bag.Load(o.propertiesFile)) {
+      std::fprintf(stderr, "vantrel run: cannot read %s\n", o.propertiesFile.c_str());
+      return 2;
+    }
+    for (const auto& problem : bag.Problems()) {
+      std::fprintf(stderr, "%s:%d: %s\n", o.propertiesFile.c_str(), problem.line,
+                   problem.message.c_str());
+    }
+    control.ReadProperties(bag);
+  } else {
+    control.InitProperties();
+  }
+  ApplyOptions(control, o, program.Config().startRegister);
+
+  signalledLoop = &loop;
+  std::signal(SIGINT, OnStopSignal);
+  std::signal(SIGTERM, OnStopSignal);
+  control.Start();
+  if (o.durationSeconds > 0) {
+    loop.RunFor(std::chrono::milliseconds(static_cast<int64_t>(o.durationSeconds * 1000)));
+  } else {
+    loop.Run();
+  }
+  signalledLoop = nullptr;
+  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
+
+  if (o.exportOnExit) control.ClickExportButton();
+  return host.failed ? 1 : 0;
+}
+
+}  // namespace vantrel::cli

@@ -1,0 +1,40 @@
+#pragma once
+// `vantrel run`: one control driven as a host drives it, rows printed as they arrive.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace vantrel::cli {
+
+struct RunOptions {
+  std::string controller = "sim";
+  std::string propertiesFile;
+  std::optional<int16_t> startRegister;
+  std::optional<std::string> resourcePath;
+  std::optional<std::string> projectPath;
+  std::optional<std::string> userFile;
+  std::optional<std::string> symbols;
+  bool simulation = false;
+  std::optional<int32_t> interval;
+  std::optional<int32_t> maxRows;
+  bool dateColumn = false;
+  bool timeColumn = false;
+  bool statusColumn = false;
+  std::optional<std::string> exportFile;
+  std::optional<int16_t> indexFile;
+  bool autoExport = false;
+  bool exportOnExit = false;
+  int64_t records = 0;             // stop after this many rows; 0 runs on
+  double durationSeconds = 0;      // stop after this long; 0 runs on
+  int32_t recordIntervalMs = 100;  // how often the embedded controller writes a record
+  std::string eventsFile;
+  bool yes = false;
+  std::optional<std::string> choose;
+};
+
+// Returns the process exit status: 0 after a normal stop, 1 when the control reported an
+// error that stopped acquisition.
+int Run(const RunOptions& options);
+
+}  // namespace vantrel::cli
