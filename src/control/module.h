@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "description/trace_description.h"
+#include "symbols/symbol_collection.h"
+#include "symbols/value_texts.h"
 #include "vantrel/control.h"
 #include "vantrel/graph_model.h"
 
@@ -101,6 +103,10 @@ struct Control::Module {
   BufferState buffer;
   WalkCounters walk;
   TraceDescription description;
+  cSymbol symbols;
+  cValues valueTexts;
+  // The application whose value texts the "f" columns show, set by "Application" columns.
+  int32_t CurrentAppId = 0;
 
   int16_t ErrType = 0;
   std::string ErrMsg;

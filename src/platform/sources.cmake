@@ -8,4 +8,5 @@ target_sources(vantrel PRIVATE
   platform/property_bag.cpp
   platform/scripted_prompts.cpp
   platform/system_clock.cpp
-  platform/text.cpp)
+  platform/text.cpp
+  platform/text_file.cpp)

@@ -125,14 +125,28 @@ TEST(BufferWalk, ShortCounterAreaSkipsWhatIsMissing) {
   EXPECT_EQ(f.m.buffer.RecordsToRead, 2);
 }
 
-TEST(BufferWalk, WholeRingLoadSkipsTheWriteSlotAndNeedsOneLess) {
+TEST(BufferWalk, WholeRingLoadGoesOldestFirstAndSkipsTheWriteSlot) {
   WalkFixture f;
   f.Seen(20, 0, 10);
   f.Poll(40, 4, 10);
-  const std::vector<int32_t> records(30, 0);
-  // Nothing decodes yet in this build of the walk test: the count check must say so.
+  std::vector<int32_t> records(30, 0);
+  for (int slot = 0; slot < 10; ++slot)
+    records[static_cast<size_t>(slot * 3)] = 100 + slot;
+  ASSERT_TRUE(LoadRecords(f.m, records));
+  std::vector<std::string> values;
+  for (int r = 2; r < f.m.grid.RowCount(); ++r)
+    values.emplace_back(f.m.grid.Text(r, 4));
+  EXPECT_EQ(values, (std::vector<std::string>{" 105", " 106", " 107", " 108", " 109", " 100",
+                                              " 101", " 102", " 103"}));
+}
+
+TEST(BufferWalk, AShortLoadIsErrorTwelveWithTheCounts) {
+  WalkFixture f;
+  f.Seen(20, 1, 10);
+  f.Poll(25, 6, 10);                         // five records from slot 1
+  const std::vector<int32_t> records(6, 0);  // only two records arrived
   EXPECT_FALSE(LoadRecords(f.m, records));
-  EXPECT_EQ(f.m.ErrMsg, "0 from 9 records loaded.");
+  EXPECT_EQ(f.m.ErrMsg, "2 from 5 records loaded.");
   EXPECT_EQ(f.m.ErrType, 12);
 }
 
