@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "crypt_command.h"
 #include "run_command.h"
 
 int main(int argc, char** argv) {
@@ -54,6 +55,11 @@ int main(int argc, char** argv) {
   runCommand->add_flag("--no", no, "Answer No when asked to search a file")->excludes(yes);
   runCommand->add_option("--choose", run.choose, "The file to pick when a file is asked for");
 
+  std::vector<std::string> cryptFiles;
+  CLI::App* cryptCommand =
+      app.add_subcommand("crypt", "Encipher description files (.vtl) into .vtld files beside them");
+  cryptCommand->add_option("FILE", cryptFiles, "Plain description files")->required();
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -61,5 +67,6 @@ int main(int argc, char** argv) {
     return status == 0 ? 0 : 2;
   }
   if (runCommand->parsed()) return vantrel::cli::Run(run);
+  if (cryptCommand->parsed()) return vantrel::cli::Crypt(cryptFiles);
   return 2;
 }

@@ -7,6 +7,7 @@
 #include "control/module.h"
 #include "control/run_control.h"
 #include "decoding/grid_setup.h"
+#include "description/cipher.h"
 #include "output/graph.h"
 #include "output/output_steps.h"
 
@@ -64,7 +65,7 @@ void Control::Clear() {
 void Control::Crypt(std::string_view FileName) {
   Module& m = *module_;
   Guarded(m, "Crypt", [&] {
-    const std::string result = "Cannot open file ";  // enciphering arrives with the cipher
+    const std::string result = EncryptDescription(FileName);
     m.services.prompts.ShowMessage("File " + std::string(FileName) + "\r\r" + result,
                                    "Cryptage Vantrel", MessageIcon::Information,
                                    MessageButtons::Ok);

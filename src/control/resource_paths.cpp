@@ -1,7 +1,6 @@
 #include "control/resource_paths.h"
 
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "description/profile_file.h"
 
 namespace vantrel {
 
@@ -12,9 +11,7 @@ std::vector<std::string> SplitResourcePath(std::string_view resourcePath) {
   for (;;) {
     const size_t comma = resourcePath.find(',', start);
     const std::string_view entry = resourcePath.substr(start, comma - start);
-    std::string path(TrimRightBlanks(entry));
-    if (!entry.empty() && (path.empty() || !IsSeparator(path.back()))) path += '/';
-    paths.push_back(entry.empty() ? std::string() : path);
+    paths.push_back(entry.empty() ? std::string() : AddTrailingSeparator(entry));
     if (comma == std::string_view::npos) break;
     start = comma + 1;
   }

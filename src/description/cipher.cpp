@@ -1,0 +1,125 @@
+#include "description/cipher.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "platform/paths.h"
+#include "platform/runtime_error.h"
+#include "platform/text_file.h"
+
+namespace vantrel {
+namespace {
+
+constexpr CipherKey kKey = InitCipherKey();
+
+int Code(int k) {
+  return kKey.CipherCodes[static_cast<size_t>(k)];
+}
+int Next(int position) {
+  return position < kKey.CipherLast ? position + 1 : 0;
+}
+
+enum class Direction { Encipher, Decipher };
+
+// Runs every line through the cipher; false at the first character that cannot be
+// deciphered, with `out` holding the lines done before it.
+bool Transform(std::string_view text, Direction direction, std::string& out) {
+  int lineStart = 0;
+  bool info = false;
+  for (const std::string& line : SplitLines(text)) {
+    if (line.empty()) {
+      out += "\r\n";
+      continue;
+    }
+    if (line.front() == '[') {
+      lineStart = 0;
+      info = line.find("INFO") != std::string::npos;
+      (out += line) += "\r\n";
+      continue;
+    }
+    if (info) {
+      (out += line) += "\r\n";
+      continue;
+    }
+    std::string transformed;
+    transformed.reserve(line.size());
+    int k = lineStart;
+    for (char ch : line) {
+      const int c = static_cast<unsigned char>(ch);
+      int result = 0;
+      if (direction == Direction::Encipher) {
+        result = c < 128 ? c + Code(k) : Code(k) + 127;
+      } else {
+        if (c < Code(k)) return false;
+        result = c >= 255 ? 255 - Code(k) : c - Code(k);
+      }
+      transformed.push_back(static_cast<char>(result));
+      k = Next(k);
+    }
+    (out += transformed) += "\r\n";
+    lineStart = Next(lineStart);
+  }
+  return true;
+}
+
+bool EndsWith(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+std::optional<std::string> ReadWhole(std::string_view path) {
+  std::ifstream in(NativePath(path), std::ios::binary);
+  if (!in) return std::nullopt;
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+}  // namespace
+
+std::string EncipherText(std::string_view plain) {
+  std::string out;
+  Transform(plain, Direction::Encipher, out);
+  return out;
+}
+
+std::optional<std::string> DecipherText(std::string_view enciphered, std::string* partial) {
+  std::string out;
+  const bool ok = Transform(enciphered, Direction::Decipher, out);
+  if (partial != nullptr) *partial = out;
+  if (!ok) return std::nullopt;
+  return out;
+}
+
+std::string EncryptDescription(std::string_view sourcePath) {
+  const size_t dot = sourcePath.rfind('.');
+  const std::string destination =
+      std::string(sourcePath.substr(0, dot == std::string_view::npos ? sourcePath.size() : dot)) +
+      ".vtld";
+  const auto plain = ReadWhole(sourcePath);
+  if (!plain) return "Cannot open file ";
+  std::ofstream out(NativePath(destination), std::ios::binary | std::ios::trunc);
+  if (!out) return "Cannot open file ";
+  out << EncipherText(*plain);
+  out.close();
+  return out ? "Cryptage successful !" : "Cannot open file ";
+}
+
+bool DecryptDescription(std::string_view sourcePath, std::string_view destinationPath,
+                        std::string& errorText) {
+  if (!EndsWith(sourcePath, ".vtld") && !EndsWith(sourcePath, ".vtl")) {
+    errorText = "Bad source file extension !";
+    return false;
+  }
+  const auto enciphered = ReadWhole(sourcePath);
+  if (!enciphered) throw RuntimeError::FileNotFound();
+  std::ofstream out(NativePath(destinationPath), std::ios::binary | std::ios::trunc);
+  if (!out) throw RuntimeError::PathFileAccess();
+  std::string plain;
+  const bool ok = DecipherText(*enciphered, &plain).has_value();
+  out << plain;  // the lines deciphered before a failure stay, as the loader deletes the copy
+  if (!ok) {
+    errorText = "Incorrect file !";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace vantrel

@@ -1,0 +1,75 @@
+#pragma once
+// A fresh directory per test for description files, with TMPDIR pointed at an empty
+// directory of its own so that a test can see every temporary file the loader leaves.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "description/cipher.h"
+#include "support/temp_dir.h"
+
+namespace vantrel::testing {
+
+class DescriptionFiles {
+ public:
+  DescriptionFiles() : temp_(dir_.Path() / "tmp") {
+    std::filesystem::create_directory(temp_);
+    if (const char* old = std::getenv("TMPDIR")) oldTemp_ = old;
+    ::setenv("TMPDIR", temp_.c_str(), 1);
+  }
+  ~DescriptionFiles() {
+    if (oldTemp_) {
+      ::setenv("TMPDIR", oldTemp_->c_str(), 1);
+    } else {
+      ::unsetenv("TMPDIR");
+    }
+  }
+  DescriptionFiles(const DescriptionFiles&) = delete;
+  DescriptionFiles& operator=(const DescriptionFiles&) = delete;
+
+  std::string Path(const std::string& name) const { return dir_.File(name); }
+  const std::filesystem::path& Root() const { return dir_.Path(); }
+
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    const std::string path = Path(name);
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+  }
+  // The plain description enciphered, as descriptions are distributed.
+  std::string WriteEnciphered(const std::string& name, const std::string& plain) const {
+    return Write(name, EncipherText(plain));
+  }
+
+  // Names of whatever is in the private temporary directory.
+  std::vector<std::string> TempEntries() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(temp_)) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+  const std::filesystem::path& TempDirectory() const { return temp_; }
+
+ private:
+  TempDir dir_;
+  std::filesystem::path temp_;
+  std::optional<std::string> oldTemp_;
+};
+
+inline std::string ReadBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The examples shipped with the sources (VANTREL_EXAMPLES when run through ctest).
+inline std::string ExamplesDirectory() {
+  if (const char* examples = std::getenv("VANTREL_EXAMPLES")) return examples;
+  return std::string(VANTREL_SOURCE_DIR) + "/examples";
+}
+
+}  // namespace vantrel::testing

@@ -1,0 +1,68 @@
+#include "description/directory_search.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "description/description_files.h"
+
+namespace vantrel {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class DirectorySearch : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* name : {"b.TXT", "A.txt", "c.txt", "ab.txt", "x.dat", "sub/d.txt"}) {
+      files.Write(name, "x");
+    }
+    dir = files.Root().string() + "/";
+  }
+  testing::DescriptionFiles files;
+  std::string dir;
+};
+
+TEST_F(DirectorySearch, MatchesWithoutCaseSortedByNameNotRecursive) {
+  EXPECT_EQ(FindFiles(dir, "*.txt"), (Names{"A.txt", "ab.txt", "b.TXT", "c.txt"}));
+  EXPECT_EQ(FindFiles(dir, "?.TXT"), (Names{"A.txt", "b.TXT", "c.txt"}));
+  EXPECT_EQ(FindFiles(dir, "a*"), (Names{"A.txt", "ab.txt"}));
+  EXPECT_EQ(FindFiles(dir, "*.none"), Names{});
+  EXPECT_EQ(FindFiles(dir + "missing/", "*"), Names{});
+}
+
+TEST_F(DirectorySearch, DirectoriesMatchingThePatternArePassedOn) {
+  EXPECT_EQ(FindFiles(dir, "s*"), Names{"sub"});
+}
+
+TEST_F(DirectorySearch, SearchTextFilesCallsTheReaderWithFullPaths) {
+  Names read;
+  SearchTextFiles(dir, "?.txt", [&](const std::string& path) { read.push_back(path); });
+  EXPECT_EQ(read, (Names{dir + "A.txt", dir + "b.TXT", dir + "c.txt"}));
+}
+
+TEST_F(DirectorySearch, EmptyDirectoryReadsNothingEvenInTheCurrentDirectory) {
+  const auto previous = std::filesystem::current_path();
+  std::filesystem::current_path(files.Root());
+  Names read;
+  SearchTextFiles("", "*.txt", [&](const std::string& path) { read.push_back(path); });
+  std::filesystem::current_path(previous);
+  EXPECT_TRUE(read.empty());
+}
+
+TEST(Wildcard, StarsAndQuestionMarks) {
+  EXPECT_TRUE(WildcardMatch("*", ""));
+  EXPECT_TRUE(WildcardMatch("PMP1*.vtld", "pmp1_pumps.VTLD"));
+  EXPECT_TRUE(WildcardMatch("a*b*c", "aXbYbZc"));
+  EXPECT_TRUE(WildcardMatch("a?c", "abc"));
+  EXPECT_FALSE(WildcardMatch("a?c", "ac"));
+  EXPECT_FALSE(WildcardMatch("*.vtl", "x.vtld"));
+  EXPECT_FALSE(WildcardMatch("a*b", "aXbY"));
+  EXPECT_FALSE(WildcardMatch("", "a"));
+}
+
+}  // namespace
+}  // namespace vantrel
