@@ -1,32 +1,55 @@
 #include "decoding/field_readers.h"
 
 #include <array>
+#include <cstddef>
+
+#include "platform/runtime_error.h"
 
 namespace vantrel {
 namespace {
 
-constexpr int64_t kTwoTo32 = 4294967296LL;
+constexpr int64_t kTwoTo32 = int64_t{1} << 32;
 
-uint32_t Unsigned(int32_t value) {
+// The register as the readers see it: 0 .. 2^32 - 1. Conversion to uint32_t is modulo 2^32,
+// which is exactly "a negative value plus 2^32" for every 32-bit input.
+constexpr uint32_t Unsigned(int32_t value) {
   return static_cast<uint32_t>(value);
 }
 
-std::array<int64_t, 5> BytesOf(int64_t value) {
-  // byte 4 does not exist in a register and always reads 0
-  return {value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF, value >> 24, 0};
+// A wide value taken unsigned; false when it is not a 32-bit register value.
+bool WideUnsigned(int64_t value, uint32_t& out) {
+  if (value < 0) value += kTwoTo32;
+  if (value < 0 || value >= kTwoTo32) return false;
+  out = static_cast<uint32_t>(value);
+  return true;
 }
 
-std::string TwoDigits(int64_t value) {
-  std::string text = "0" + std::to_string(value);
-  return text.substr(text.size() - 2);
+// Decimal digits of `value` written backwards from `end`; returns the first digit.
+char* WriteDecimal(char* end, uint32_t value) {
+  do {
+    *--end = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  return end;
+}
+
+char* WriteTwoDigits(char* out, uint32_t value) {
+  out[0] = static_cast<char>('0' + value / 10 % 10);
+  out[1] = static_cast<char>('0' + value % 10);
+  return out + 2;
+}
+
+// Left(x, n) / Right(x, n) of the platform refuse a negative length.
+RuntimeError InvalidLength() {
+  return {5, "Invalid procedure call or argument"};
 }
 
 }  // namespace
 
 std::string ReadString(int32_t value, ErrorSink&) {
   const uint32_t u = Unsigned(value);
-  return {static_cast<char>(u >> 24), static_cast<char>((u >> 16) & 0xFF),
-          static_cast<char>((u >> 8) & 0xFF), static_cast<char>(u & 0xFF)};
+  return {static_cast<char>(u >> 24), static_cast<char>(u >> 16), static_cast<char>(u >> 8),
+          static_cast<char>(u)};
 }
 
 int16_t ReadNible(int16_t index, int32_t value, ErrorSink& errors) {
@@ -34,8 +57,8 @@ int16_t ReadNible(int16_t index, int32_t value, ErrorSink& errors) {
     errors.ReportError("Error in ReadNible function.");
     return 0;
   }
-  if (index == 8) return 0;
-  return static_cast<int16_t>((Unsigned(value) >> (4 * index)) & 0xF);
+  if (index == 8) return 0;  // one past the register's nibbles: never filled, reads 0
+  return static_cast<int16_t>((Unsigned(value) >> (4 * index)) & 0xFu);
 }
 
 int16_t ReadByte(int16_t index, int32_t value, ErrorSink& errors) {
@@ -43,7 +66,8 @@ int16_t ReadByte(int16_t index, int32_t value, ErrorSink& errors) {
     errors.ReportError("Error in ReadByte function.");
     return 0;
   }
-  return static_cast<int16_t>(BytesOf(Unsigned(value))[static_cast<size_t>(index)]);
+  if (index == 4) return 0;
+  return static_cast<int16_t>((Unsigned(value) >> (8 * index)) & 0xFFu);
 }
 
 int32_t Read2Bytes(int16_t index, int32_t value, ErrorSink& errors) {
@@ -52,128 +76,162 @@ int32_t Read2Bytes(int16_t index, int32_t value, ErrorSink& errors) {
     return 0;
   }
   if (index == 2) return 0;
-  return static_cast<int32_t>((Unsigned(value) >> (16 * index)) & 0xFFFF);
+  return static_cast<int32_t>((Unsigned(value) >> (16 * index)) & 0xFFFFu);
 }
 
 std::string ReadASCII(int16_t count, int64_t value, bool raw, ErrorSink& errors) {
-  if (value < 0) value += kTwoTo32;
-  const std::array<int64_t, 5> bytes = BytesOf(value);
-  if (count > 5 || bytes[3] > 255) {
+  uint32_t u = 0;
+  if (count > 5 || !WideUnsigned(value, u)) {
     errors.ReportError("Error in ReadASCII function.");
     return {};
   }
-  std::string text;
+  std::array<char, 7> text{};
+  size_t length = 0;
+  if (!raw) text[length++] = '\'';
   for (int i = count - 1; i >= 0; --i) {
-    const int64_t code = bytes[static_cast<size_t>(i)];
-    text.push_back(static_cast<char>(code < 32 ? 127 : code));
+    const uint32_t code = i == 4 ? 0 : (u >> (8 * i)) & 0xFFu;
+    text[length++] = static_cast<char>(code < 32 ? 127 : code);
   }
-  return raw ? text : "'" + text + "'";
+  if (!raw) text[length++] = '\'';
+  return {text.data(), length};
 }
 
 std::string ReadMedia(int64_t value, ErrorSink& errors) {
-  if (value < 0) value += kTwoTo32;
-  const int64_t media = (value >> 16) & 0xFF;
-  const int64_t address = value & 0xFFFF;
-  if (address > 32767 || value >= kTwoTo32) {
+  uint32_t u = 0;
+  if (!WideUnsigned(value, u) || (u & 0xFFFFu) > 32767) {
+    // The address goes through a signed 16-bit integer.
     errors.ReportError("Error in ReadMedia function.");
     return {};
   }
-  const char* prefix = "";
-  switch (media) {
+  std::array<char, 8> text{};
+  char* const end = text.data() + text.size();
+  char* first = WriteDecimal(end, u & 0xFFFFu);
+  char letter = '\0';
+  switch ((u >> 16) & 0xFFu) {
     case 3:
-      prefix = "F ";
+      letter = 'F';
       break;
     case 5:
-      prefix = "R ";
+      letter = 'R';
       break;
     case 18:
-      prefix = "C ";
+      letter = 'C';
       break;
     case 19:
-      prefix = "T ";
+      letter = 'T';
       break;
     case 20:
-      prefix = "I ";
+      letter = 'I';
       break;
     case 21:
-      prefix = "O ";
+      letter = 'O';
       break;
     default:
       break;
   }
-  return prefix + std::to_string(address);
+  if (letter != '\0') {
+    *--first = ' ';
+    *--first = letter;
+  }
+  return {first, static_cast<size_t>(end - first)};
 }
 
 std::string FormatBinary(int32_t value, int16_t width) {
-  // Octal digits of the 32-bit pattern, each written as three binary digits.
-  uint32_t u = Unsigned(value);
-  std::string octal;
-  do {
-    octal.insert(octal.begin(), static_cast<char>('0' + (u & 7)));
-    u >>= 3;
-  } while (u != 0);
-  std::string bits = "0000000000000";
-  for (char digit : octal) {
-    const int d = digit - '0';
-    bits.push_back(d & 4 ? '1' : '0');
-    bits.push_back(d & 2 ? '1' : '0');
-    bits.push_back(d & 1 ? '1' : '0');
+  if (width < 0) throw InvalidLength();
+  // Thirteen zeros, then three binary digits per octal digit of the 32-bit pattern (at most
+  // eleven octal digits).
+  constexpr int kPad = 13;
+  std::array<char, kPad + 33> digits{};
+  const uint32_t u = Unsigned(value);
+  int octalDigits = 1;
+  while (octalDigits < 11 && (u >> (3 * octalDigits)) != 0)
+    ++octalDigits;
+  const int length = kPad + 3 * octalDigits;
+  for (int i = 0; i < length; ++i) {
+    const int bit = length - 1 - i;  // bit number of position i; the pad lies above bit 32
+    digits[static_cast<size_t>(i)] = bit < 32 && ((u >> bit) & 1u) != 0 ? '1' : '0';
   }
-  const size_t keep = width > 0 ? static_cast<size_t>(width) : 0;
-  std::string result = bits.size() > keep ? bits.substr(bits.size() - keep) : bits;
-  // Only a full 16-digit field is split; a shorter result of a wider field is not.
-  if (result.size() == 16 && keep == 16) result.insert(8, " ");
-  return result;
+  const int keep = width < length ? width : length;
+  const char* first = digits.data() + (length - keep);
+  if (width != 16) return {first, static_cast<size_t>(keep)};
+  // Width 16 always keeps sixteen digits: two groups of eight.
+  std::string text;
+  text.reserve(17);
+  text.append(first, 8);
+  text += ' ';
+  text.append(first + 8, 8);
+  return text;
 }
 
 std::string FormatTimeValue(std::string_view letter, int32_t value, const Clock& clock) {
   if (value < 0) return "Invalid time";
-  const int64_t v = value;
-  const std::string month = TwoDigits(v / 100000000);
-  const std::string day = TwoDigits((v % 100000000) / 1000000);
-  const std::string time = TwoDigits((v % 1000000) / 10000) + ":" + TwoDigits((v % 10000) / 100) +
-                           ":" + TwoDigits(v % 100);
-  const std::string date = day + "/" + month + "/" + TwoDigits(clock.Now().year % 100);
-  const bool h = letter.size() == 1 && (letter[0] == 'h' || letter[0] == 'H');
-  const bool d = letter.size() == 1 && (letter[0] == 'd' || letter[0] == 'D');
-  if (h) return time;
-  if (d) return date;
-  return date + " " + time;
+  const auto v = static_cast<uint32_t>(value);
+  const uint32_t month = v / 100000000;
+  const uint32_t day = v % 100000000 / 1000000;
+  const uint32_t hour = v % 1000000 / 10000;
+  const uint32_t minute = v % 10000 / 100;
+  const uint32_t second = v % 100;
+  const bool timeOnly = letter.size() == 1 && (letter[0] == 'h' || letter[0] == 'H');
+  const bool dateOnly = letter.size() == 1 && (letter[0] == 'd' || letter[0] == 'D');
+  std::array<char, 17> text{};
+  char* out = text.data();
+  if (!timeOnly) {
+    // The controller's stamp has no year: the PC's stands in for it.
+    const auto year = static_cast<uint32_t>(clock.Now().year) % 100;
+    out = WriteTwoDigits(out, day);
+    *out++ = '/';
+    out = WriteTwoDigits(out, month);
+    *out++ = '/';
+    out = WriteTwoDigits(out, year);
+    if (!dateOnly) *out++ = ' ';
+  }
+  if (!dateOnly) {
+    out = WriteTwoDigits(out, hour);
+    *out++ = ':';
+    out = WriteTwoDigits(out, minute);
+    *out++ = ':';
+    out = WriteTwoDigits(out, second);
+  }
+  return {text.data(), static_cast<size_t>(out - text.data())};
 }
 
 std::string FormatDialString(int16_t width, std::string_view hexadecimal) {
-  std::string padded = "000" + std::string(hexadecimal);
-  const size_t keep = width > 0 ? static_cast<size_t>(width) : 0;
-  if (padded.size() > keep) padded = padded.substr(padded.size() - keep);
+  if (width < 0) throw InvalidLength();
+  // The rightmost `width` characters of "000" + hexadecimal.
+  const size_t keep = static_cast<size_t>(width);
+  const size_t total = hexadecimal.size() + 3;
+  const size_t skip = total > keep ? total - keep : 0;
   std::string dial;
-  for (char c : padded) {
+  dial.reserve(total - skip);
+  for (size_t i = skip; i < total; ++i) {
+    const char c = i < 3 ? '0' : hexadecimal[i - 3];
     switch (c) {
       case 'A':
       case 'a':
-        dial.push_back('*');
+        dial += '*';
         break;
       case 'B':
       case 'b':
-        dial.push_back('#');
+        dial += '#';
         break;
       case 'C':
       case 'c':
-        dial.push_back('W');
+        dial += 'W';
         break;
       case 'D':
       case 'd':
-        dial.push_back(',');
+        dial += ',';
         break;
       case 'E':
       case 'e':
-        dial.push_back('+');
+        dial += '+';
         break;
       case 'F':
       case 'f':
-        dial.push_back(' ');
+        dial += ' ';
         break;
       default:
-        if (c >= '0' && c <= '9') dial.push_back(c);
+        if (c >= '0' && c <= '9') dial += c;
         break;
     }
   }
@@ -181,11 +239,15 @@ std::string FormatDialString(int16_t width, std::string_view hexadecimal) {
 }
 
 std::string FormatSlashedWord(int32_t value, ErrorSink&) {
-  const int64_t v = value;
-  const int64_t a = v % 256;
-  const int64_t b = (v / 256) % 8;
-  const int64_t c = (v / 2048) % 16;
-  return std::to_string(c) + "/" + std::to_string(b) + "/" + std::to_string(a);
+  const uint32_t u = Unsigned(value);
+  std::array<char, 10> text{};
+  char* const end = text.data() + text.size();
+  char* first = WriteDecimal(end, u & 0xFFu);
+  *--first = '/';
+  first = WriteDecimal(first, (u >> 8) & 0x7u);
+  *--first = '/';
+  first = WriteDecimal(first, (u >> 11) & 0xFu);
+  return {first, static_cast<size_t>(end - first)};
 }
 
 }  // namespace vantrel

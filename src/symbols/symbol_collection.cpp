@@ -2,15 +2,20 @@
 
 namespace vantrel {
 
-const colSymbols* cSymbol::Add(std::string_view media, std::string name, std::string comment,
-                               int16_t addr) {
+std::string cSymbol::KeyOf(std::string_view media, int16_t addr) {
+  std::string key(media);
+  key += ' ';
+  key += std::to_string(addr);
+  return key;
+}
+
+colSymbols* cSymbol::Add(std::string_view media, std::string name, std::string comment,
+                         int16_t addr) {
   colSymbols symbol;
   symbol.SetName(std::move(name));
   symbol.SetComment(std::move(comment));
   symbol.SetAddr(addr);
-  const std::string key = std::string(media) + " " + std::to_string(addr);
-  items_.Add(key, std::move(symbol));
-  return items_.Find(key);
+  return items_.Add(KeyOf(media, addr), std::move(symbol));
 }
 
 }  // namespace vantrel

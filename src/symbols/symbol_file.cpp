@@ -1,6 +1,7 @@
 #include "symbols/symbol_file.h"
 
-#include <optional>
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "platform/numbers.h"
@@ -12,82 +13,99 @@
 namespace vantrel {
 namespace {
 
+// Words between single blanks: two blanks in a row give an empty word.
 std::vector<std::string_view> SplitAtBlanks(std::string_view line) {
   std::vector<std::string_view> words;
   size_t start = 0;
   for (;;) {
     const size_t blank = line.find(' ', start);
     words.push_back(line.substr(start, blank - start));
-    if (blank == std::string_view::npos) break;
+    if (blank == std::string_view::npos) return words;
     start = blank + 1;
   }
-  return words;
 }
 
-// The media of a media word, or nothing when the word is not one.
-std::optional<std::string> MediaOf(std::string_view word) {
-  for (const char* media : {"F", "I", "O", "R", "T", "C", "DB"}) {
-    if (IEquals(word, media)) return std::string(media);
+bool IsMediaWord(std::string_view word) {
+  for (const std::string_view media : {"F", "I", "O", "R", "T", "C", "DB"}) {
+    if (IEquals(word, media)) return true;
   }
-  if (IEquals(word, "TEXT") || IEquals(word, "X")) return std::string("X");
-  return std::nullopt;
+  return false;
 }
 
-void ReadSymbolLine(cSymbol& symbols, const std::string& prefix, std::string line) {
-  std::string comment;
-  if (const size_t semicolon = line.find(';'); semicolon != std::string::npos) {
-    comment = line.substr(semicolon + 1);
-    line.resize(semicolon);
-  }
+// "<name> EQU <media> <address> ..." with the comment already cut off.
+void ReadDefinition(cSymbol& symbols, std::string_view prefix, std::string_view line,
+                    std::string_view comment) {
   const std::vector<std::string_view> words = SplitAtBlanks(line);
-  if (words.size() < 3 || !IEquals(words[1], "EQU")) return;
+  if (words.size() < 2 || !IEquals(words[1], "EQU")) return;
   size_t i = 2;
-  std::optional<std::string> media;
-  for (; i < words.size(); ++i) {
-    if (IEquals(words[i], "VOL") || IEquals(words[i], "RAM")) continue;
-    media = MediaOf(TrimBlanks(words[i]));
-    if (!media) return;
+  std::string_view media;
+  for (;; ++i) {
+    if (i >= words.size()) return;
+    const std::string_view word = words[i];
+    if (IEquals(word, "VOL") || IEquals(word, "RAM")) continue;
+    if (IsMediaWord(word)) {
+      media = TrimBlanks(word);
+    } else if (IEquals(word, "TEXT") || IEquals(word, "X")) {
+      media = "X";
+    } else {
+      return;
+    }
     break;
   }
-  if (!media) return;
   for (++i; i < words.size(); ++i) {
-    if (words[i].empty()) return;
-    if (words[i].find('[') != std::string_view::npos) continue;
-    const int16_t address = RoundToInt16(Val(words[i]));
-    symbols.Add(*media, prefix + std::string(words[0]), comment, address);
+    const std::string_view word = words[i];
+    if (word.empty()) return;
+    if (word.find('[') != std::string_view::npos) continue;  // an index such as "[10]"
+    const int16_t address = RoundToInt16(Val(word));
+    std::string name(prefix);
+    name += words[0];
+    symbols.Add(media, std::move(name), std::string(comment), address);
     return;
   }
 }
 
 }  // namespace
 
-cSymbol ReadSymbolFile(std::string_view symbFile) {
-  cSymbol symbols;
-  if (symbFile.empty() || !FileExists(symbFile)) return symbols;
+void ReadSymbolFile(cSymbol& symbols, std::string_view symbFile) {
+  if (symbFile.empty() || !FileExists(symbFile)) return;
   const auto lines = ReadTextLines(symbFile);
-  if (!lines) return symbols;
+  if (!lines) return;
   std::string prefix;
   try {
     for (std::string line : *lines) {
-      for (char& c : line) {
-        if (c == '\t') c = ' ';
-      }
+      std::replace(line.begin(), line.end(), '\t', ' ');
       if (line.size() < 3 || line[0] == ';') continue;
-      if (IStartsWith(line, "$ENDGROUP")) {
-        // Prefixes always end in "."; cutting after the last one keeps them whole, so group
-        // prefixes accumulate until the end of the file.
-        const size_t dot = prefix.rfind('.');
-        prefix = dot == std::string::npos ? std::string() : prefix.substr(0, dot + 1);
-      } else if (IStartsWith(line, "$GROUP")) {
+      if (IStartsWith(line, "$GROUP")) {
         const std::string_view rest = TrimBlanks(std::string_view(line).substr(6));
-        prefix += std::string(rest.substr(0, rest.find(' '))) + ".";
+        prefix += rest.substr(0, rest.find(' '));
+        prefix += '.';
+      } else if (IStartsWith(line, "$ENDGROUP")) {
+        // Cutting after the last "." leaves a prefix that ends in "." as it is: group
+        // prefixes accumulate to the end of the file, as the tool's own reader does.
+        const size_t dot = prefix.rfind('.');
+        if (dot == std::string::npos) {
+          prefix.clear();
+        } else {
+          prefix.resize(dot + 1);
+        }
       } else {
-        ReadSymbolLine(symbols, prefix, line);
+        std::string_view definition = line;
+        std::string_view comment;
+        if (const size_t semicolon = definition.find(';'); semicolon != std::string_view::npos) {
+          comment = definition.substr(semicolon + 1);
+          definition = definition.substr(0, semicolon);
+        }
+        ReadDefinition(symbols, prefix, definition, comment);
       }
     }
   } catch (const RuntimeError&) {
-    // an address that does not fit ends the reading
+    // An address that does not fit ends the reading; what was read stays.
   }
+}
+
+cSymbol ReadSymbolFile(std::string_view symbFile) {
+  cSymbol symbols;
+  ReadSymbolFile(symbols, symbFile);
   return symbols;
 }
 

@@ -2,15 +2,25 @@
 
 namespace vantrel {
 
+std::string cValues::KeyOf(std::string_view appId, std::string_view section, int32_t value) {
+  std::string key;
+  key.reserve(appId.size() + section.size() + 13);
+  key += appId;
+  key += '_';
+  key += section;
+  key += '_';
+  key += std::to_string(value);
+  return key;
+}
+
 void cValues::Add(std::string_view appId, std::string_view section, int32_t value, std::string text,
                   std::string comment) {
+  std::string key = KeyOf(appId, section, value);
+  if (items_.Find(key) != nullptr) return;
   cValue item;
   item.SetValue(value);
   item.SetText(std::move(text));
   item.SetComment(std::move(comment));
-  std::string key(appId);
-  ((key += '_') += section) += '_';
-  key += std::to_string(value);
   items_.Add(key, std::move(item));
 }
 
