@@ -29,6 +29,7 @@ class RunHost : public ControlEvents {
 
   Control* control = nullptr;
   bool failed = false;
+  bool printHeader = true;
 
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     log_.Write("ReadPCDReg", "\"RegisterNumber\":" + std::to_string(RegisterNumber) +
@@ -53,9 +54,13 @@ class RunHost : public ControlEvents {
   }
   void OutputLine(std::string_view DataLine) override {
     log_.Write("OutputLine", "\"DataLine\":" + JsonString(DataLine));
+    // One poll may bring more rows than were asked for; the rest stay in the table only.
+    if (rowLimit_ > 0 && rows_ >= rowLimit_) return;
+    if (rows_ == 0 && printHeader) PrintHeader();
     std::printf("%s\n", Printable(DataLine).c_str());
     std::fflush(stdout);
     if (rowLimit_ > 0 && ++rows_ >= rowLimit_) loop_.Quit();
+    if (rowLimit_ == 0) ++rows_;
   }
   void Status(int16_t ReadStatus) override {
     log_.Write("Status", "\"ReadStatus\":" + std::to_string(ReadStatus));
@@ -72,6 +77,23 @@ class RunHost : public ControlEvents {
   void NewExportFile() override { log_.Write("NewExportFile", ""); }
 
  private:
+  // The captions of the columns that the data lines carry: the stamp columns that are
+  // shown, then the trace columns (the grid's last two columns are never printed).
+  void PrintHeader() {
+    const TableModel& table = control->Table();
+    std::string line;
+    auto add = [&](int column) {
+      if (!line.empty()) line += '\t';
+      line += table.Text(0, column);
+    };
+    if (control->DateStampCol()) add(1);
+    if (control->TimeStampCol()) add(2);
+    if (control->PCDStatusCol()) add(3);
+    for (int column = 4; column < table.ColumnCount() - 2; ++column)
+      add(column);
+    std::printf("%s\n", Printable(line).c_str());
+  }
+
   // The answer arrives on the next turn of the loop, as it would from a transport.
   void Answer(std::vector<int32_t> block) {
     loop_.Post([this, block = std::move(block)] { control->SetDataBlock(block); });
@@ -92,6 +114,7 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   } else if (o.propertiesFile.empty()) {
     // The embedded controller runs the bundled example: find its description there.
     control.SetResourcePath(VANTREL_EXAMPLES_DIR);
+    if (!o.symbols) control.SetSymbFile(VANTREL_EXAMPLES_DIR "/pumps_symbols.sym");
   }
   if (o.projectPath) control.SetProjectPath(*o.projectPath);
   if (o.userFile) control.SetUserFile(*o.userFile);

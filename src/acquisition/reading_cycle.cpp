@@ -10,6 +10,8 @@
 namespace vantrel {
 namespace {
 
+constexpr int16_t kTicksBeforeAskingAgain = 5;
+
 int16_t Offset16(int32_t start, int32_t offset) {
   // Register numbers are 16-bit on the event interface; they wrap as the protocol does.
   return static_cast<int16_t>(static_cast<uint16_t>(start + offset));
@@ -76,6 +78,7 @@ void TakeHeader(Module& m, std::span<const int32_t> block) {
   }
   ResolveStringColumns(m.description, block);
   SetReadState(m, kStateRunning);
+  ResumeRefresh(m);
 }
 
 void TakeCounterArea(Module& m, std::span<const int32_t> block) {
@@ -94,6 +97,7 @@ void TakeCounterArea(Module& m, std::span<const int32_t> block) {
 void TakeRecords(Module& m, std::span<const int32_t> block) {
   if (LoadRecords(m, block)) {
     SetReadState(m, kStateRunning);
+    ResumeRefresh(m);
     return;
   }
   m.props.RunMode = kRunStop;
@@ -125,6 +129,11 @@ void RequestRead(Module& m, int16_t count) {
     return;
   }
   BufferState& b = m.buffer;
+  if (b.ReadState >= kStateWaitStart && b.ReadState <= kStateLoading) {
+    // Set before the event: a host answering inside it clears the flag again.
+    b.AnswerPending = true;
+    b.TicksWaiting = 0;
+  }
   switch (b.ReadState) {
     case kStateWaitStart:
       b.RequestOffset = 0;
@@ -154,6 +163,7 @@ void RequestRead(Module& m, int16_t count) {
 void TakeDataBlock(Module& m, std::span<const int32_t> block) {
   if (!m.props.Enabled || m.buffer.ReadState <= kStateDisabled) return;
   m.MarkChanged("DataBlock");
+  m.buffer.AnswerPending = false;
   switch (m.buffer.ReadState) {
     case kStateWaitStart:
       TakeStartRegister(m, block);
@@ -177,15 +187,20 @@ void OnReadTimer(Module& m) {
     m.gridRedrawPending = false;
     m.grid.SetRedraw(true);
   }
-  if (m.buffer.ReadState == kStateRunning) {
+  BufferState& b = m.buffer;
+  // A request still unanswered after a few ticks is taken as lost and asked again.
+  const bool waiting = b.AnswerPending && ++b.TicksWaiting < kTicksBeforeAskingAgain;
+  if (!waiting && b.ReadState == kStateRunning) {
     const auto counterRead = static_cast<int16_t>(m.description.CounterIndex + 8);
-    m.buffer.ReadCount = counterRead;
+    b.ReadCount = counterRead;
     RequestRead(m, counterRead);
-    if (m.buffer.ReadState == kStateLoading) {
-      const int32_t count = int32_t{m.description.RecordLength} * m.buffer.RecordsToRead;
-      m.buffer.ReadCount = static_cast<int16_t>(count);
-      RequestRead(m, static_cast<int16_t>(count));
-    }
+  }
+  // In state 4 either a synchronous host has just answered the counter read, or a later
+  // answer left the records to be fetched on this tick.
+  if (!waiting && b.ReadState == kStateLoading) {
+    const int32_t count = int32_t{m.description.RecordLength} * b.RecordsToRead;
+    b.ReadCount = static_cast<int16_t>(count);
+    RequestRead(m, static_cast<int16_t>(count));
   }
   m.surface.activityVisible = !m.surface.activityVisible;
   m.SurfaceChanged();

@@ -73,6 +73,10 @@ struct BufferState {
   int16_t ReadCount = 0;
   int32_t RequestOffset = 0;
   int32_t RequestLength = 0;
+  // A request event has been raised and its DataBlock has not come yet. The read timer does
+  // not ask again meanwhile, so that a slow host's answer is never taken for another read.
+  bool AnswerPending = false;
+  int16_t TicksWaiting = 0;
   int32_t LastWord = 0;
   int32_t CommandWord = 0;
   int32_t LastCommand = 0;
@@ -99,6 +103,7 @@ struct Control::Module {
   PropertyFields props;
   std::vector<std::string> SearchPaths;  // ResourcePath split at commas
   int16_t appliedRunMode = 0;
+  bool applyingRunMode = false;  // set while ApplyRunMode runs (a host may answer inside it)
 
   BufferState buffer;
   WalkCounters walk;

@@ -68,6 +68,12 @@ void ApplyReadOnce(Module& m) {
 }  // namespace
 
 void ApplyRunMode(Module& m) {
+  struct Applying {
+    bool& flag;
+    bool saved;
+    explicit Applying(bool& f) : flag(f), saved(f) { flag = true; }
+    ~Applying() { flag = saved; }
+  } applying(m.applyingRunMode);
   switch (m.props.RunMode) {
     case kRunStop:
       m.readTimer->SetEnabled(false);
@@ -97,6 +103,12 @@ void ApplyRunMode(Module& m) {
     m.SurfaceChanged();
   }
   m.appliedRunMode = m.props.RunMode;
+}
+
+void ResumeRefresh(Module& m) {
+  if (m.applyingRunMode || m.props.RunMode != kRunRefresh || m.readTimer->Enabled()) return;
+  m.readTimer->SetEnabled(true);
+  ShowStatus(m, "Refresh mode running");
 }
 
 void ChangeRunMode(Module& m, int16_t runMode) {

@@ -21,6 +21,9 @@ void IdleUpdate(Module& m);
 void ApplyRunMode(Module& m);
 // The RunMode property setter (after the Enabled and same-value checks).
 void ChangeRunMode(Module& m, int16_t runMode);
+// Called when an answer has brought the reading state back to 3. A host that answers later,
+// outside the run-mode logic, would otherwise leave a running control without its read timer.
+void ResumeRefresh(Module& m);
 // Leaves the chart view for the table.
 void ShowGridView(Module& m);
 

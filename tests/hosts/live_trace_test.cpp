@@ -1,0 +1,255 @@
+// A control reading the virtual controller end to end: every record the program writes
+// is shown exactly once, in order, or counted in a "Miss " row; restarts are marked. The
+// host answers either inside the request event or on a later turn of the event loop.
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "description/cipher.h"
+#include "support/temp_dir.h"
+#include "vantrel/control.h"
+#include "vantrel/hosts/register_space.h"
+#include "vantrel/hosts/trace_program.h"
+#include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
+
+namespace vantrel::hosts {
+namespace {
+
+constexpr int kRing = 20;
+
+TraceProgramConfig NumberedRecords() {
+  TraceProgramConfig c;
+  c.key = "LIV1";
+  c.version = 1;
+  c.ringRecords = kRing;
+  c.registers = {RegisterGenerator::Counter(), RegisterGenerator::Text("ok")};
+  return c;
+}
+
+// Descriptions load enciphered: write the plain text and encipher it beside itself.
+void WriteDescription(const testing::TempDir& dir) {
+  const std::string plain = dir.File("LIV1_live.vtl");
+  std::ofstream(plain, std::ios::binary)
+      << "[VANTREL]\r\nKey=LIV1\r\nVersion=1\r\nHeaderLenght=16\r\nCounterIndex=4\r\n"
+         "RecordLenght=2\r\n[DRIVER]\r\nTitle=Live\r\nColumnWidth=900\r\n"
+         "[REGISTER_0]\r\nLong=1,900,Number,%d\r\n[REGISTER_1]\r\nStrg=2,4,Text,%a\r\n";
+  ASSERT_EQ(EncryptDescription(plain), "Cryptage successful !");
+  std::filesystem::remove(plain);
+}
+
+enum class Answering { Inside, Later };
+
+// Answers from the register space, inside the event or from a queue that a 1 ms timer
+// empties (as a network transport would, one turn of the loop later).
+class VirtualHost : public ControlEvents {
+ public:
+  VirtualHost(RegisterSpace& space, ManualEventLoop& loop, Answering answering)
+      : space_(space), answering_(answering), courier_(loop.CreateTimer()) {
+    courier_->SetInterval(1);
+    courier_->SetTickHandler([this] { DeliverOne(); });
+    courier_->SetEnabled(true);
+  }
+
+  Control* control = nullptr;
+  std::vector<std::string> lines;
+  std::vector<std::string> errors;
+  bool silent = false;  // requests go unanswered, as with a dropped connection
+
+  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
+    Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
+  }
+  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
+    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
+  }
+  void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
+    errors.push_back(std::to_string(ErrType) + ":" + std::string(ErrMessage));
+  }
+  void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
+  void Status(int16_t) override {}
+  void PCDCmd(int16_t) override {}
+  void NewExportFile() override {}
+
+ private:
+  void Answer(std::vector<int32_t> block) {
+    if (silent) return;
+    if (answering_ == Answering::Inside) {
+      control->SetDataBlock(block);
+    } else {
+      pending_.push_back(std::move(block));
+    }
+  }
+  void DeliverOne() {
+    if (pending_.empty()) return;
+    std::vector<int32_t> block = std::move(pending_.front());
+    pending_.pop_front();
+    control->SetDataBlock(block);
+  }
+
+  RegisterSpace& space_;
+  Answering answering_;
+  std::unique_ptr<Timer> courier_;
+  std::deque<std::vector<int32_t>> pending_;
+};
+
+// What the rows account for: record numbers shown, records counted missing, restarts.
+struct Tally {
+  std::vector<int64_t> shown;
+  int64_t missing = 0;
+  int restarts = 0;
+};
+
+// Lines carry the controller status column first: "Miss <n>" on a miss row, "Restart"
+// on a restart row.
+Tally Count(const std::vector<std::string>& lines) {
+  Tally t;
+  for (const std::string& line : lines) {
+    const size_t tab = line.find('\t');
+    const std::string first = line.substr(0, tab);
+    const std::string rest = tab == std::string::npos ? std::string() : line.substr(tab + 1);
+    if (first.rfind("Miss ", 0) == 0) {
+      t.missing += std::stoll(first.substr(5));
+    } else if (first == "Restart") {
+      ++t.restarts;
+    } else {
+      t.shown.push_back(std::stoll(rest.substr(0, rest.find('\t'))));
+    }
+  }
+  return t;
+}
+
+class LiveTrace : public ::testing::TestWithParam<Answering> {
+ protected:
+  LiveTrace() : program(space, NumberedRecords(), loop.Clock()), host(space, loop, GetParam()) {
+    WriteDescription(dir);
+    program.Install();
+    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
+    host.control = &*control;
+    control->SetResourcePath(dir.Path().string());
+    control->SetStartRegister(program.Config().startRegister);
+    control->SetPCDStatusCol(true);
+    control->SetInterval(100);
+    control->Start();
+    loop.Advance(5);
+    control->SetRunMode(2);
+    loop.Advance(5);
+  }
+
+  // Lets the control poll until it has caught up with the program.
+  void Poll(int intervals = 3) { loop.Advance(100 * intervals); }
+
+  testing::TempDir dir;
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  RegisterSpace space;
+  TraceProgram program;
+  VirtualHost host;
+  std::optional<Control> control;
+};
+
+TEST_P(LiveTrace, EveryRecordIsShownOnceAndInOrder) {
+  ASSERT_EQ(control->ReadState(), 3) << (host.errors.empty() ? "" : host.errors.front());
+  for (int burst : {1, 3, 7, 19, 1, 5}) {
+    program.WriteRecords(burst);
+    Poll();
+  }
+  const Tally t = Count(host.lines);
+  ASSERT_EQ(t.shown.size(), 36u);
+  for (size_t i = 0; i < t.shown.size(); ++i)
+    EXPECT_EQ(t.shown[i], static_cast<int64_t>(i + 1));
+  EXPECT_EQ(t.missing, 0);
+  EXPECT_TRUE(host.errors.empty());
+  EXPECT_EQ(control->Table().DataRowCount(), 36);
+}
+
+TEST_P(LiveTrace, AnOverrunIsCountedInAMissRow) {
+  program.WriteRecords(4);
+  Poll();
+  program.WriteRecords(kRing + 13);
+  Poll();
+  program.WriteRecords(2);
+  Poll();
+  const Tally t = Count(host.lines);
+  EXPECT_EQ(static_cast<int64_t>(t.shown.size()) + t.missing, program.RecordsWritten());
+  EXPECT_GT(t.missing, 0);
+  // What is shown after the gap is the newest records, still in order.
+  for (size_t i = 1; i < t.shown.size(); ++i)
+    EXPECT_LT(t.shown[i - 1], t.shown[i]);
+  EXPECT_EQ(t.shown.back(), program.RecordsWritten());
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_P(LiveTrace, ACounterResetIsMarkedAndReadingGoesOn) {
+  program.WriteRecords(6);
+  Poll();
+  program.RestartCounter();
+  program.WriteRecords(2);
+  Poll();
+  program.WriteRecords(3);
+  Poll();
+  const Tally t = Count(host.lines);
+  EXPECT_EQ(t.restarts, 1);
+  // The records written since the reset are all read once the counter moves on.
+  EXPECT_EQ(t.shown.size(), 11u);
+  EXPECT_EQ(t.shown.back(), program.RecordsWritten());
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_P(LiveTrace, APausedProgramAddsNoRows) {
+  program.WriteRecords(3);
+  Poll();
+  program.SetPaused(true);
+  program.WriteRecords(5);
+  Poll(10);
+  EXPECT_EQ(Count(host.lines).shown.size(), 3u);
+  program.SetPaused(false);
+  program.WriteRecords(1);
+  Poll();
+  EXPECT_EQ(Count(host.lines).shown.back(), program.RecordsWritten());
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, LiveTrace, ::testing::Values(Answering::Inside, Answering::Later),
+                         [](const auto& answers) {
+                           return answers.param == Answering::Inside ? "Inside" : "Later";
+                         });
+
+// A host that stops answering and comes back: the control asks again and loses nothing.
+TEST(LiveTraceRecovery, UnansweredRequestsAreAskedAgain) {
+  testing::TempDir dir;
+  WriteDescription(dir);
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  RegisterSpace space;
+  TraceProgram program(space, NumberedRecords(), loop.Clock());
+  program.Install();
+  VirtualHost host(space, loop, Answering::Later);
+  Control control(host, {loop, loop.Clock(), prompts});
+  host.control = &control;
+  control.SetResourcePath(dir.Path().string());
+  control.SetStartRegister(100);
+  control.SetPCDStatusCol(true);
+  control.SetInterval(100);
+  control.Start();
+  loop.Advance(5);
+  control.SetRunMode(2);
+  loop.Advance(305);
+  program.WriteRecords(2);
+  host.silent = true;
+  loop.Advance(1000);
+  host.silent = false;
+  program.WriteRecords(3);
+  loop.Advance(2000);
+  const Tally t = Count(host.lines);
+  ASSERT_EQ(t.shown.size(), 5u);
+  EXPECT_EQ(t.shown.back(), 5);
+  EXPECT_TRUE(host.errors.empty());
+}
+
+}  // namespace
+}  // namespace vantrel::hosts
