@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "description/trace_description.h"
+#include "output/excel_file.h"
 #include "symbols/symbol_collection.h"
 #include "symbols/value_texts.h"
 #include "vantrel/control.h"
@@ -146,6 +147,10 @@ struct Control::Module {
   std::string StatusTime;
   // Set while an export ordered by the controller's command word runs.
   bool CommandedExport = false;
+  // The spreadsheet writer, created on the first export and kept.
+  std::unique_ptr<ExcelFile> excel;
+  // The text of the last column that could not be exported.
+  std::string LastExportError;
 
   // Tells the container that a property changed, so that the host saves it.
   void MarkChanged(std::string_view property);

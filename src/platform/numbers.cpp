@@ -161,10 +161,14 @@ int16_t StrictToInt16(std::string_view text) {
 }
 
 bool IsNumeric(std::string_view text, char decimalSeparator) {
+  return NumberValue(text, decimalSeparator).has_value();
+}
+
+std::optional<double> NumberValue(std::string_view text, char decimalSeparator) {
   try {
-    return WholeNumber(text, decimalSeparator).has_value();
+    return WholeNumber(text, decimalSeparator);
   } catch (const RuntimeError&) {
-    return false;
+    return std::nullopt;
   }
 }
 

@@ -3,6 +3,7 @@
 // files, and the round-half-to-even conversions used for every integer taken from them.
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace vantrel {
@@ -27,5 +28,7 @@ int16_t StrictToInt16(std::string_view text);
 // True when the whole text (blanks around it allowed) is a number. `decimalSeparator` is the
 // separator of the locale the text was written in.
 bool IsNumeric(std::string_view text, char decimalSeparator = '.');
+// The value of a text that IsNumeric accepts, or nothing.
+std::optional<double> NumberValue(std::string_view text, char decimalSeparator = '.');
 
 }  // namespace vantrel

@@ -1,0 +1,227 @@
+// Exporting the table into a spreadsheet file: the target name, the columns chosen (the
+// yellow headers, or else every shown column), one typed cell per non-empty table cell, and
+// the table emptied only once the file was written.
+
+#include "output/trace_export.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "control/clear.h"
+#include "description/profile_file.h"
+#include "output/date_serial.h"
+#include "output/excel_file.h"
+#include "output/export_naming.h"
+#include "output/output_steps.h"
+#include "platform/numbers.h"
+#include "platform/paths.h"
+#include "platform/runtime_error.h"
+#include "platform/text.h"
+
+namespace vantrel {
+namespace {
+
+constexpr int16_t kFormatGeneral = 0;
+constexpr int16_t kFormatDate = 12;
+constexpr int16_t kFormatTime = 19;
+constexpr int16_t kFormatDateTime = 20;
+
+enum class CellKind { General, Text, Date };
+
+struct ColumnType {
+  CellKind kind = CellKind::General;
+  int16_t format = kFormatGeneral;
+};
+
+bool ShowsMessages(const Module& m) {
+  return !m.props.AutoExport && m.CommandedExport;
+}
+
+ColumnType TypeOfColumn(const Module& m, int column) {
+  if (column == 1) return {CellKind::Date, kFormatDate};
+  if (column == 2) return {CellKind::Date, kFormatTime};
+  if (column == 3) return {};
+  const int32_t definition = m.grid.ColumnData(column);
+  if (definition < 0 || definition >= static_cast<int32_t>(m.description.Columns.size())) return {};
+  const std::string& code = m.description.Columns[static_cast<size_t>(definition)].DisplayCode;
+  if (code.empty() || FoldCase(code[0]) != 't') return {};
+  const char second = code.size() > 1 ? FoldCase(code[1]) : '\0';
+  if (second == 'x') return {CellKind::Text, 0};
+  if (second == 'd') return {CellKind::Date, kFormatDate};
+  if (second == 'h') return {CellKind::Date, kFormatTime};
+  return {CellKind::Date, kFormatDateTime};
+}
+
+int16_t Cell16(int value) {
+  if (value > 32767) throw RuntimeError::Overflow();
+  return static_cast<int16_t>(value);
+}
+
+void ShowAbort(Module& m, const std::string& text) {
+  if (ShowsMessages(m)) {
+    m.services.prompts.ShowMessage(text, "Vantrel exportation aborted !", MessageIcon::Exclamation,
+                                   MessageButtons::Ok);
+  }
+}
+
+// Writes one table column as spreadsheet column `counter` + 1. A failed write ends this
+// column only; the export goes on with the next one.
+void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
+  ++counter;
+  const auto failed = [&](const std::string& text) {
+    m.LastExportError = text;
+    ShowAbort(m, m.LastExportError);
+  };
+  try {
+    const int32_t width = m.grid.ColumnWidth(column) / 100;
+    if (width > 32767) throw RuntimeError::Overflow();
+    if (!writer.SetColumnWidth(static_cast<uint8_t>(counter), static_cast<uint8_t>(counter),
+                               static_cast<int16_t>(width))) {
+      return failed(writer.LastError());
+    }
+    if (!writer.EWriteString(1, counter, m.grid.Text(0, column))) {
+      return failed(writer.LastError());
+    }
+    const ColumnType type = TypeOfColumn(m, column);
+    for (int row = 1; row < m.grid.RowCount(); ++row) {
+      const std::string_view text = m.grid.Text(row, column);
+      if (text.empty()) continue;
+      const int16_t sheetRow = Cell16(row + 1);
+      bool written = false;
+      switch (type.kind) {
+        case CellKind::Text:
+          written = writer.EWriteString(sheetRow, counter, text);
+          break;
+        case CellKind::Date: {
+          const auto serial = DateSerialFromText(text);
+          if (!serial) throw RuntimeError::TypeMismatch();
+          written = writer.EWriteDouble(sheetRow, counter, *serial, type.format);
+          break;
+        }
+        case CellKind::General:
+          if (const auto number = NumberValue(text, m.decimalSeparator)) {
+            written = writer.EWriteDouble(sheetRow, counter, *number, kFormatGeneral);
+          } else {
+            written = writer.EWriteString(sheetRow, counter, text);
+          }
+          break;
+      }
+      if (!written) return failed(writer.LastError());
+    }
+  } catch (const RuntimeError& error) {
+    failed("WriteColumn " + std::to_string(column) + " Error : " + error.Description());
+  }
+}
+
+// Writes the selected columns, or else every shown column; returns how many were written.
+int16_t WriteColumns(Module& m, ExcelFile& writer) {
+  int16_t counter = 0;
+  const int last = m.grid.ColumnCount() - 3;
+  for (int column = 1; column <= last; ++column) {
+    if (m.grid.HeaderBackColor(column) == kColorYellow) WriteColumn(m, writer, counter, column);
+  }
+  if (counter != 0) return counter;
+  for (int column = 1; column <= last; ++column) {
+    if ((column == 1 && !m.props.DateStampCol) || (column == 2 && !m.props.TimeStampCol) ||
+        (column == 3 && !m.props.PCDStatusCol)) {
+      continue;
+    }
+    WriteColumn(m, writer, counter, column);
+  }
+  return counter;
+}
+
+void SetBusy(Module& m, bool busy) {
+  m.surface.busyCursor = busy;
+  m.SurfaceChanged();
+}
+
+void RemoveFile(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove(NativePath(path), ignored);
+}
+
+// A file that exists must take a write at its start before the export overwrites it.
+void CheckWritable(const std::string& path) {
+  const std::string native = NativePath(path);
+  if (!FileExists(native)) return;
+  std::FILE* file = std::fopen(native.c_str(), "r+b");
+  if (file == nullptr) throw RuntimeError(70, "Permission denied");
+  const unsigned char one[2] = {1, 0};
+  const bool written = std::fwrite(one, 1, sizeof one, file) == sizeof one;
+  if (std::fclose(file) != 0 || !written) throw RuntimeError::DeviceIo();
+}
+
+}  // namespace
+
+void ExportExcelFile(Module& m) {
+  PropertyFields& p = m.props;
+  if (p.ExportFile.empty()) {
+    if (!p.AutoExport && !m.CommandedExport) {
+      m.services.prompts.ShowMessage("No export file defined !", "Vantrel Export File",
+                                     MessageIcon::Information, MessageButtons::Ok);
+      return;
+    }
+    p.ExportFile = AddTrailingSeparator(m.services.currentDirectory) + "Vantrel.xls";
+  }
+  SetBusy(m, true);
+  std::string target;
+  if (!m.excel) m.excel = std::make_unique<ExcelFile>(m.services.prompts);
+  ExcelFile& writer = *m.excel;
+  try {
+    p.ExportFile = WithDefaultExportName(p.ExportFile);
+    target =
+        ExportTargetName(p.ExportFile, p.IndexFile, m.services.clock.Now(), m.buffer.ExportIndex);
+    if (p.IndexFile == 0) CheckWritable(target);
+    m.events.NewExportFile();
+
+    m.grid.SetRedraw(false);
+    writer.OpenFile(target);
+    // The writer has shown why it could not open the file; the table must not be lost.
+    if (!writer.IsOpen()) throw RuntimeError::PathFileAccess();
+    writer.SetDefaultRowHeight(14);
+    const int16_t written = WriteColumns(m, writer);
+    writer.CloseFile();
+
+    m.grid.SetRedraw(true);
+    SetBusy(m, false);
+    if (written != 0) {
+      ClearTable(m);
+      if (ShowsMessages(m)) {
+        m.services.prompts.ShowMessage("Successful export to file : " + target,
+                                       "Vantrel exportation", MessageIcon::Information,
+                                       MessageButtons::Ok);
+      }
+    } else {
+      if (ShowsMessages(m)) {
+        m.services.prompts.ShowMessage("Export aborted : No data to export !",
+                                       "Vantrel exportation", MessageIcon::Exclamation,
+                                       MessageButtons::Ok);
+      }
+      RemoveFile(target);
+    }
+  } catch (const RuntimeError& error) {
+    if (ShowsMessages(m)) {
+      m.services.prompts.ShowMessage("ExportExcelFile Error " + error.Description(),
+                                     "Vantrel exportation aborted !", MessageIcon::Exclamation,
+                                     MessageButtons::Ok);
+    }
+    m.grid.SetRedraw(true);
+    SetBusy(m, false);
+    if (writer.IsOpen()) {
+      try {
+        writer.CloseFile();
+      } catch (const RuntimeError&) {
+      }
+    }
+    if (!target.empty()) RemoveFile(target);
+  }
+}
+
+void ExportFromButton(Module& m) {
+  if (m.grid.RowCount() < 2) return;
+  ExportExcelFile(m);
+}
+
+}  // namespace vantrel

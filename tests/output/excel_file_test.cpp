@@ -1,0 +1,188 @@
+// The spreadsheet writer, byte for byte.
+
+#include "output/excel_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "platform/runtime_error.h"
+#include "support/temp_dir.h"
+#include "vantrel/scripted_prompts.h"
+
+namespace vantrel {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes ReadAll(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+void WriteAll(const std::string& path, const Bytes& bytes) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+}
+
+// The size of a file that holds only the start record, the formats and the end record.
+size_t FormatsOnlySize() {
+  size_t size = 8 + 6 + 4;
+  for (int i = 0; i < ExcelFile::kFormatCount; ++i)
+    size += 5 + ExcelFile::DefaultFormat(i).size();
+  return size;
+}
+
+class Writer : public ::testing::Test {
+ protected:
+  // The bytes that `write` appends after the formats of a new file.
+  template <typename Write>
+  Bytes Appended(Write write) {
+    // A new file each time: the writer does not truncate an old one.
+    const std::string path = dir.File("cells" + std::to_string(++files) + ".xls");
+    ExcelFile file(prompts);
+    file.OpenFile(path);
+    write(file);
+    file.CloseFile();
+    const Bytes all = ReadAll(path);
+    const size_t head = FormatsOnlySize() - 4;
+    EXPECT_GE(all.size(), head + 4);
+    EXPECT_EQ(Bytes(all.end() - 4, all.end()), (Bytes{0x0A, 0, 0, 0}));
+    return Bytes(all.begin() + static_cast<std::ptrdiff_t>(head), all.end() - 4);
+  }
+
+  testing::TempDir dir;
+  ScriptedPrompts prompts;
+  int files = 0;
+};
+
+TEST_F(Writer, AFileOfFormatsOnly) {
+  const std::string path = dir.File("empty.xls");
+  ExcelFile file(prompts);
+  file.OpenFile(path);
+  file.CloseFile();
+  const Bytes bytes = ReadAll(path);
+  ASSERT_EQ(bytes.size(), FormatsOnlySize());
+  EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 14),
+            (Bytes{0x09, 0, 0x04, 0, 0x02, 0, 0x0A, 0, 0x1F, 0, 0x02, 0, 23, 0}));
+  // "General" first, then "0".
+  EXPECT_EQ(Bytes(bytes.begin() + 14, bytes.begin() + 26),
+            (Bytes{0x1E, 0, 8, 0, 7, 'G', 'e', 'n', 'e', 'r', 'a', 'l'}));
+  int emptyFormats = 0;
+  for (size_t i = 0; i + 5 <= bytes.size(); ++i) {
+    if (Bytes(bytes.begin() + static_cast<std::ptrdiff_t>(i),
+              bytes.begin() + static_cast<std::ptrdiff_t>(i) + 5) == Bytes{0x1E, 0, 1, 0, 0})
+      ++emptyFormats;
+  }
+  EXPECT_EQ(emptyFormats, 4);
+  EXPECT_EQ(ExcelFile::DefaultFormat(13), "dd/-mmm\\-yy");
+  EXPECT_EQ(ExcelFile::DefaultFormat(20), "dd/mm/yy\\ hh:mm");
+  EXPECT_TRUE(prompts.Messages().empty());
+}
+
+TEST_F(Writer, Cells) {
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteString(1, 1, "AB")); }),
+            (Bytes{0x04, 0, 0x0A, 0, 0, 0, 0, 0, 0, 0, 0, 0x02, 0x41, 0x42}));
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteString(3, 2, "")); }),
+            (Bytes{0x04, 0, 0x08, 0, 2, 0, 1, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteInteger(2, 3, 7)); }),
+            (Bytes{0x02, 0, 0x09, 0, 0x01, 0, 0x02, 0, 0, 0x01, 0, 0x07, 0}));
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteInteger(1, 1, -2)); }),
+            (Bytes{0x02, 0, 0x09, 0, 0, 0, 0, 0, 0, 0x01, 0, 0xFE, 0xFF}));
+  Bytes number{0x03, 0, 0x0F, 0, 0, 0, 0x01, 0, 0, 0x02, 0};
+  const double value = 1.5;
+  uint8_t raw[8];
+  std::memcpy(raw, &value, 8);
+  number.insert(number.end(), raw, raw + 8);
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteDouble(1, 2, 1.5, 2)); }), number);
+}
+
+TEST_F(Writer, ColumnWidthsAndRowHeights) {
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.SetColumnWidth(1, 1, 10)); }),
+            (Bytes{0x24, 0, 0x04, 0, 0, 0, 0, 0x0A}));
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_EQ(f.SetDefaultRowHeight(14), 0); }),
+            (Bytes{0x25, 0, 0x02, 0, 0x18, 0x01}));
+  const Bytes row32767 = Appended([](ExcelFile& f) { EXPECT_EQ(f.SetRowHeight(32767, 1), 0); });
+  ASSERT_EQ(row32767.size(), 20u);
+  EXPECT_EQ(Bytes(row32767.begin(), row32767.begin() + 12),
+            (Bytes{0x08, 0, 0x10, 0, 0xFE, 0x7F, 0, 0, 0, 0x01, 20, 0}));
+  const Bytes row32768 = Appended([](ExcelFile& f) { EXPECT_EQ(f.SetRowHeight(32768, 1), 0); });
+  ASSERT_EQ(row32768.size(), 20u);
+  EXPECT_EQ(row32768[4], 0x00);
+  EXPECT_EQ(row32768[5], 0x80) << "no minus one above 32767";
+  EXPECT_EQ(Bytes(row32768.begin() + 12, row32768.end()), Bytes(8, 0));
+}
+
+TEST_F(Writer, RefusedValuesWriteNothing) {
+  EXPECT_TRUE(Appended([](ExcelFile& f) {
+                EXPECT_FALSE(f.EWriteInteger(1, 4, 40000));
+                EXPECT_EQ(f.LastError(), "WriteInteger in Column 4 Error : Overflow");
+                EXPECT_FALSE(f.SetColumnWidth(1, 1, 128));
+                EXPECT_EQ(f.LastError(), "SetColumnWidth Error : Overflow");
+                EXPECT_EQ(f.SetRowHeight(1, 1639), 6);
+              }).empty());
+  EXPECT_TRUE(prompts.Messages().empty()) << "cell failures are silent";
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_FALSE(f.SetDefaultRowHeight(1639).has_value()); }),
+            Bytes{});
+  ASSERT_EQ(prompts.Messages().size(), 1u);
+  EXPECT_EQ(prompts.Messages()[0].text, "SetDefaultRowHeight Error : Overflow");
+}
+
+TEST_F(Writer, ALabelOver255CharactersReachesTheCaller) {
+  EXPECT_TRUE(Appended([](ExcelFile& f) {
+                EXPECT_THROW(f.EWriteString(1, 1, std::string(256, 'x')), RuntimeError);
+              }).empty());
+  const Bytes longest =
+      Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteString(1, 1, std::string(255, 'x'))); });
+  ASSERT_EQ(longest.size(), 12u + 255u);
+  EXPECT_EQ(longest[11], 255);
+}
+
+TEST_F(Writer, TextBytesAreWrittenAsTheyAre) {
+  // Windows-1252 bytes: e acute, the euro sign.
+  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_TRUE(f.EWriteString(1, 1, "\xE9\x80")); }),
+            (Bytes{0x04, 0, 0x0A, 0, 0, 0, 0, 0, 0, 0, 0, 0x02, 0xE9, 0x80}));
+}
+
+TEST_F(Writer, OpeningAnExistingFileKeepsItsTail) {
+  const std::string path = dir.File("old.xls");
+  const Bytes old(FormatsOnlySize() + 100, 0xAA);
+  WriteAll(path, old);
+  ExcelFile file(prompts);
+  file.OpenFile(path);
+  file.CloseFile();
+  const Bytes bytes = ReadAll(path);
+  ASSERT_EQ(bytes.size(), old.size());
+  EXPECT_EQ(Bytes(bytes.end() - 104, bytes.end() - 100), (Bytes{0x0A, 0, 0, 0}));
+  EXPECT_EQ(Bytes(bytes.end() - 100, bytes.end()), Bytes(100, 0xAA));
+}
+
+TEST_F(Writer, FailuresAreResults) {
+  ExcelFile file(prompts);
+  EXPECT_FALSE(file.EWriteString(1, 1, "A")) << "nothing is open yet";
+  EXPECT_EQ(file.LastError(), "WriteString in Column 1 Error : Bad file name or number");
+  EXPECT_FALSE(file.EWriteDouble(1, 2, 1.0, 0));
+  EXPECT_THROW(file.CloseFile(), RuntimeError);
+
+  file.OpenFile(dir.File("missing/dir/x.xls"));
+  EXPECT_FALSE(file.IsOpen());
+  ASSERT_EQ(prompts.Messages().size(), 1u);
+  EXPECT_EQ(prompts.Messages()[0].text,
+            "Open File : " + dir.File("missing/dir/x.xls") + " Error\r\nPath not found");
+
+  // One writer writes several files one after another.
+  for (const char* name : {"a.xls", "b.xls"}) {
+    file.OpenFile(dir.File(name));
+    EXPECT_TRUE(file.EWriteString(1, 1, name));
+    file.CloseFile();
+    EXPECT_EQ(ReadAll(dir.File(name)).size(), FormatsOnlySize() + 12 + 5);
+  }
+}
+
+}  // namespace
+}  // namespace vantrel
