@@ -179,6 +179,8 @@ int Run(const RunOptions& o) {
   signalledLoop = &loop;
   std::signal(SIGINT, OnStopSignal);
   std::signal(SIGTERM, OnStopSignal);
+  // The embedded controller is running from the start.
+  control.SetPCDStatus(2);
   control.Start();
   if (o.durationSeconds > 0) {
     loop.RunFor(std::chrono::milliseconds(static_cast<int64_t>(o.durationSeconds * 1000)));
@@ -189,7 +191,18 @@ int Run(const RunOptions& o) {
   std::signal(SIGINT, SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
 
-  if (o.exportOnExit) control.ClickExportButton();
+  if (o.exportOnExit) {
+    const int rows = control.Table().DataRowCount();
+    control.ClickExportButton();
+    // The table is emptied only by a successful export.
+    if (rows > 0 && control.Table().DataRowCount() == 0) {
+      std::fprintf(stderr, "vantrel run: %d rows exported to %s\n", rows,
+                   control.ExportFile().c_str());
+    } else if (rows > 0) {
+      std::fprintf(stderr, "vantrel run: the export to %s failed\n", control.ExportFile().c_str());
+      return 1;
+    }
+  }
   return host.failed ? 1 : 0;
 }
 
