@@ -24,6 +24,10 @@ build build/ci-sanitize -DVANTREL_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/ci-sanitize --output-on-failure -j "$jobs"
 
+echo "== benchmarks build (run them by hand, see bench/README.md)"
+build build/ci-bench -DVANTREL_BUILD_BENCH=ON -DVANTREL_BUILD_TESTS=OFF -DVANTREL_BUILD_APPS=OFF \
+  -DCMAKE_BUILD_TYPE=Release
+
 echo "== formatting"
 git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 

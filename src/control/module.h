@@ -58,6 +58,21 @@ struct PropertyFields {
   std::string SelColumn;
 };
 
+// The PC date and time texts of the last decoded record, kept for the second they show.
+struct StampCache {
+  DateTime at;
+  std::string date;
+  std::string time;
+  bool valid = false;
+};
+
+// Text buffers the record decoder reuses from one record to the next.
+struct DecodeScratch {
+  std::string display, raw, comment, key;
+  std::string displayLine, rawLine, commentLine;
+  std::string eventText, rowText;
+};
+
 // What the reading cycle knows of the buffer in the controller.
 struct BufferState {
   // -1 until the control's initialisation sets it to 0, so that creation reports Status(0).
@@ -145,6 +160,8 @@ struct Control::Module {
   // PC date and time of the last decoded record or status change, as shown in the rows.
   std::string StatusDate;
   std::string StatusTime;
+  StampCache recordStamps;
+  DecodeScratch decodeScratch;
   // Set while an export ordered by the controller's command word runs.
   bool CommandedExport = false;
   // The spreadsheet writer, created on the first export and kept.

@@ -152,6 +152,7 @@ void TableModel::AddItem(std::string_view tabSeparated) {
   Row row;
   const size_t count = columns_.size();
   row.ends.reserve(count);
+  row.text.reserve(tabSeparated.size());
   size_t start = 0;
   for (size_t i = 0; i < count; ++i) {
     if (start <= tabSeparated.size()) {

@@ -1,5 +1,6 @@
 #include "decoding/record_decoder.h"
 
+#include <charconv>
 #include <string_view>
 
 #include "decoding/field_readers.h"
@@ -52,11 +53,34 @@ int LeadingNumber(std::string_view code) {
   return n;
 }
 
+void AppendDecimal(std::string& out, int64_t value) {
+  char digits[24];
+  const auto result = std::to_chars(digits, digits + sizeof digits, value);
+  out.append(digits, result.ptr);
+}
+
 // What decoding one record needs besides the module.
 class RecordDecoder {
  public:
   RecordDecoder(Module& m, std::span<const int32_t> registers, size_t first)
-      : m_(m), registers_(registers), first_(first), sink_(m) {}
+      : m_(m),
+        registers_(registers),
+        first_(first),
+        sink_(m),
+        display_(m.decodeScratch.display),
+        raw_(m.decodeScratch.raw),
+        comment_(m.decodeScratch.comment),
+        key_(m.decodeScratch.key),
+        displayLine_(m.decodeScratch.displayLine),
+        rawLine_(m.decodeScratch.rawLine),
+        commentLine_(m.decodeScratch.commentLine) {
+    // A record starts with nothing carried over from the previous one.
+    display_.clear();
+    raw_.clear();
+    displayLine_.clear();
+    rawLine_.clear();
+    commentLine_.clear();
+  }
 
   void DecodeColumn(const ColumnDef& column) {
     comment_.clear();
@@ -137,15 +161,19 @@ class RecordDecoder {
   }
 
   std::string LookupValueText(const ColumnDef& column, int64_t value, bool plain) {
-    std::string key;
+    // The key is built in a buffer kept across columns: this runs for most cells.
+    key_.clear();
     if (IEquals(column.Caption, "Application")) {
       if (value > INT32_MAX || value < INT32_MIN) throw RuntimeError::Overflow();
       m_.CurrentAppId = static_cast<int32_t>(value);
-      key = std::to_string(m_.CurrentAppId) + "_Application_0";
+      AppendDecimal(key_, m_.CurrentAppId);
+      key_ += "_Application_0";
     } else {
-      key = std::to_string(m_.CurrentAppId) + "_" + column.Caption + "_" + std::to_string(value);
+      AppendDecimal(key_, m_.CurrentAppId);
+      ((key_ += '_') += column.Caption) += '_';
+      AppendDecimal(key_, value);
     }
-    if (const cValue* item = m_.valueTexts.Find(key)) {
+    if (const cValue* item = m_.valueTexts.Find(key_)) {
       comment_ = item->Comment();
       return item->Text();
     }
@@ -297,12 +325,15 @@ class RecordDecoder {
   bool signMarker_ = false;
   int decimals_ = 0;
   int32_t lastRegister_ = 0;
-  std::string display_;
-  std::string raw_;
-  std::string comment_;
-  std::string displayLine_;
-  std::string rawLine_;
-  std::string commentLine_;
+  // Text buffers kept by the module across records, so that decoding allocates nothing once
+  // they have grown to a record's size.
+  std::string& display_;
+  std::string& raw_;
+  std::string& comment_;
+  std::string& key_;
+  std::string& displayLine_;
+  std::string& rawLine_;
+  std::string& commentLine_;
 };
 
 }  // namespace
@@ -328,9 +359,19 @@ std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain)
 
 bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
   try {
+    // Records of one poll share the clock's second: format the stamps only when it moves.
     const DateTime now = m.services.clock.Now();
-    m.StatusDate = FormatStatusDate(now);
-    m.StatusTime = FormatStatusTime(now);
+    StampCache& cache = m.recordStamps;
+    if (!cache.valid || now.second != cache.at.second || now.minute != cache.at.minute ||
+        now.hour != cache.at.hour || now.day != cache.at.day || now.month != cache.at.month ||
+        now.year != cache.at.year) {
+      cache.date = FormatStatusDate(now);
+      cache.time = FormatStatusTime(now);
+      cache.at = now;
+      cache.valid = true;
+    }
+    m.StatusDate = cache.date;
+    m.StatusTime = cache.time;
     RecordDecoder decoder(m, registers, first);
     const int highest = std::min<int>(m.description.ColumnCount, 127);
     for (int number = 0; number <= highest; ++number) {

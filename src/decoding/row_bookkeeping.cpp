@@ -1,5 +1,6 @@
 #include "decoding/row_bookkeeping.h"
 
+#include <charconv>
 #include <string>
 
 #include "output/output_steps.h"
@@ -11,14 +12,22 @@ constexpr char kTab = '\t';
 constexpr std::string_view kDashes = "----------------";
 constexpr int32_t kRecordCountLimit = 2147483647;
 
+void AppendEventText(const Module& m, std::string_view status, std::string_view data,
+                     std::string& text);
+
 // The stamps the host asked to see in front of the row's data.
 std::string EventText(const Module& m, std::string_view status, std::string_view data) {
   std::string text;
+  AppendEventText(m, status, data, text);
+  return text;
+}
+
+void AppendEventText(const Module& m, std::string_view status, std::string_view data,
+                     std::string& text) {
   if (m.props.DateStampCol) (text += m.StatusDate) += kTab;
   if (m.props.TimeStampCol) (text += m.StatusTime) += kTab;
   if (m.props.PCDStatusCol) (text += status) += kTab;
   text += data;
-  return text;
 }
 
 // One dash cell for each data column after the first (`firstToo` adds one for the first).
@@ -50,7 +59,11 @@ void ScrollToNewest(Module& m) {
 void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawLine,
                   std::string_view commentLine) {
   if (!displayLine.empty() && displayLine.front() == kTab) displayLine.remove_prefix(1);
-  m.events.OutputLine(EventText(m, m.PCDStatusText, displayLine));
+  // Record rows come at full rate: their texts are built in buffers kept by the module.
+  std::string& event = m.decodeScratch.eventText;
+  event.clear();
+  AppendEventText(m, m.PCDStatusText, displayLine, event);
+  m.events.OutputLine(event);
 
   if (m.walk.RecordCount >= kRecordCountLimit) {
     m.walk.RecordCount = 0;
@@ -71,8 +84,10 @@ void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawL
   }
   m.SurfaceChanged();
 
-  std::string row = std::to_string(m.walk.RecordCount);
-  row.reserve(row.size() + displayLine.size() + rawLine.size() + commentLine.size() + 40);
+  std::string& row = m.decodeScratch.rowText;
+  row.clear();
+  char number[16];
+  row.append(number, std::to_chars(number, number + sizeof number, m.walk.RecordCount).ptr);
   (((((row += kTab) += m.StatusDate) += kTab) += m.StatusTime) += kTab) += m.PCDStatusText;
   (row += kTab) += displayLine;
   (row += kTab) += rawLine;
