@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "check_command.h"
 #include "crypt_command.h"
 #include "run_command.h"
 
@@ -60,6 +61,20 @@ int main(int argc, char** argv) {
       app.add_subcommand("crypt", "Encipher description files (.vtl) into .vtld files beside them");
   cryptCommand->add_option("FILE", cryptFiles, "Plain description files")->required();
 
+  vantrel::cli::CheckOptions check;
+  CLI::App* checkCommand = app.add_subcommand(
+      "check", "Load a description (.vtl, .vtld) or user buffer file (.vtlr) and print it");
+  checkCommand->add_option("FILE", check.file, "The file to load")->required();
+  checkCommand->add_option("--key", check.key,
+                           "The buffer's key (HeaderKey), for a user buffer file and the "
+                           "value-text files");
+  checkCommand->add_option("--symbols", check.symbols, "PG5 symbol file");
+  checkCommand->add_option("--project-path", check.projectPath,
+                           "Project directory, searched first for value-text files");
+  checkCommand->add_option("--resource-path", check.resourcePath,
+                           "Comma-separated directories searched for value-text files");
+  checkCommand->add_flag("--json", check.json, "Print one JSON object");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -68,5 +83,6 @@ int main(int argc, char** argv) {
   }
   if (runCommand->parsed()) return vantrel::cli::Run(run);
   if (cryptCommand->parsed()) return vantrel::cli::Crypt(cryptFiles);
+  if (checkCommand->parsed()) return vantrel::cli::Check(check);
   return 2;
 }
