@@ -12,7 +12,9 @@ namespace {
 // literally: a key holding wildcard characters or separators matches nothing unexpected.
 std::string FirstMatch(const std::string& directory, std::string_view name,
                        std::string_view extension) {
-  for (const std::string& file : FindFiles(directory, std::string("*") + std::string(extension))) {
+  std::string pattern = "*";
+  pattern += extension;
+  for (const std::string& file : FindFiles(directory, pattern)) {
     if (IStartsWith(file, name) && file.size() >= name.size() + extension.size() &&
         FileExists(directory + file)) {
       return file;
