@@ -88,24 +88,29 @@ class RecordDecoder {
     last_ = code_.empty() ? '\0' : code_.back();
     signMarker_ = IFind(code_, "s") != std::string_view::npos;
     decimals_ = LeadingNumber(code_);
-    const int32_t reg = Register(column.RegisterIndex);
-    switch (column.FieldType) {
-      case kBit:
-        DecodeBit(column, reg);
-        break;
-      case kNible:
-      case kByte:
-      case kWord:
-        DecodePart(column, reg);
-        break;
-      case kLong:
-        DecodeLong(column, reg);
-        break;
-      case kStrg:
-        DecodeString(column, reg);
-        break;
-      default:
-        break;
+    try {
+      const int32_t reg = Register(column.RegisterIndex);
+      switch (column.FieldType) {
+        case kBit:
+          DecodeBit(column, reg);
+          break;
+        case kNible:
+        case kByte:
+        case kWord:
+          DecodePart(column, reg);
+          break;
+        case kLong:
+          DecodeLong(column, reg);
+          break;
+        case kStrg:
+          DecodeString(column, reg);
+          break;
+        default:
+          break;
+      }
+    } catch (const RuntimeError&) {
+      // Past a symbol format the column keeps what it had and the record goes on.
+      if (!resumeAfterErrors_) throw;
     }
     if (!rawLine_.empty()) {
       (rawLine_ += ';') += raw_;
@@ -117,7 +122,13 @@ class RecordDecoder {
     (displayLine_ += '\t') += display_;
   }
 
-  void Finish() { AddRecordRow(m_, displayLine_, rawLine_, commentLine_); }
+  void Finish() {
+    try {
+      AddRecordRow(m_, displayLine_, rawLine_, commentLine_);
+    } catch (const RuntimeError&) {
+      if (!resumeAfterErrors_) throw;
+    }
+  }
 
  private:
   // Reports a field reader's trapped error to the host and goes on.
@@ -133,6 +144,8 @@ class RecordDecoder {
   int32_t Register(int64_t offset) {
     const int64_t index = static_cast<int64_t>(first_) + offset;
     if (index < 0 || index >= static_cast<int64_t>(registers_.size())) {
+      // Past a symbol format the failed read is passed over: the last register read stays.
+      if (resumeAfterErrors_) return lastRegister_;
       throw RuntimeError::SubscriptOutOfRange();
     }
     lastRegister_ = registers_[static_cast<size_t>(index)];
@@ -164,8 +177,11 @@ class RecordDecoder {
     // The key is built in a buffer kept across columns: this runs for most cells.
     key_.clear();
     if (IEquals(column.Caption, "Application")) {
-      if (value > INT32_MAX || value < INT32_MIN) throw RuntimeError::Overflow();
-      m_.CurrentAppId = static_cast<int32_t>(value);
+      if (value <= INT32_MAX && value >= INT32_MIN) {
+        m_.CurrentAppId = static_cast<int32_t>(value);
+      } else if (!resumeAfterErrors_) {
+        throw RuntimeError::Overflow();
+      }  // else the application stays as it was and the lookup goes on
       AppendDecimal(key_, m_.CurrentAppId);
       key_ += "_Application_0";
     } else {
@@ -242,7 +258,9 @@ class RecordDecoder {
   }
 
   void DecodeSymbol(const ColumnDef& column, int32_t reg, int64_t working) {
-    // Failures in a symbol format do not lose the record.
+    // From the first symbol format on, a failure no longer loses the record: the rest of
+    // the record is decoded past it and the row is added.
+    resumeAfterErrors_ = true;
     try {
       if (code_ == "ga") {
         display_ = ReadMedia(working, sink_);
@@ -325,6 +343,8 @@ class RecordDecoder {
   bool signMarker_ = false;
   int decimals_ = 0;
   int32_t lastRegister_ = 0;
+  // Set by the first symbol format of the record; errors after it are passed over.
+  bool resumeAfterErrors_ = false;
   // Text buffers kept by the module across records, so that decoding allocates nothing once
   // they have grown to a record's size.
   std::string& display_;

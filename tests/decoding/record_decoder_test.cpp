@@ -1,0 +1,580 @@
+// One record to one table row: every field type under every display code, the texts that
+// carry over between columns, strings over several registers, value lists, value texts per
+// application, symbol names, time stamps, and what ends a record.
+
+#include "decoding/record_decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "acquisition/string_columns.h"
+#include "support/module_fixture.h"
+
+namespace vantrel {
+namespace {
+
+using testing::Packed;
+
+constexpr int16_t kBit = 1;
+constexpr int16_t kNible = 2;
+constexpr int16_t kByte = 3;
+constexpr int16_t kWord = 4;
+constexpr int16_t kLong = 5;
+constexpr int16_t kStrg = 6;
+
+struct DecodedRow {
+  std::vector<std::string> texts;  // one per defined column
+  std::string raw;
+  std::string comment;
+  std::string date;
+  std::string time;
+};
+
+struct DecoderFixture : testing::ModuleFixture {
+  DecoderFixture() { host.ClearEvents(); }
+
+  // Builds the table on the first call, so that columns defined before it show up.
+  bool Decode(const std::vector<int32_t>& registers, size_t first = 0) {
+    if (!built_) {
+      Build();
+      built_ = true;
+    }
+    return DecodeRecord(m, registers, first);
+  }
+
+  DecodedRow LastRow() const {
+    DecodedRow row;
+    const int r = m.grid.RowCount() - 1;
+    const int columns = m.grid.ColumnCount();
+    for (int c = 4; c < columns - 2; ++c)
+      row.texts.emplace_back(m.grid.Text(r, c));
+    row.raw = m.grid.Text(r, columns - 2);
+    row.comment = m.grid.Text(r, columns - 1);
+    row.date = m.grid.Text(r, 1);
+    row.time = m.grid.Text(r, 2);
+    return row;
+  }
+
+  std::vector<std::string> ReportedErrors() const {
+    std::vector<std::string> texts;
+    for (const auto& e : host.Named("ModulError"))
+      texts.push_back(e.text);
+    return texts;
+  }
+
+ private:
+  bool built_ = false;
+};
+
+struct Cell {
+  std::string display;
+  std::string raw;
+};
+
+// A record with one column over one register.
+Cell DecodeOne(int16_t type, int16_t position, const std::string& code, int32_t reg) {
+  DecoderFixture f;
+  f.Define(0, type, 0, position, "C", code);
+  EXPECT_TRUE(f.Decode({reg}));
+  const DecodedRow row = f.LastRow();
+  EXPECT_TRUE(f.ReportedErrors().empty());
+  return {row.texts.at(0), row.raw};
+}
+
+struct Case {
+  int16_t position;
+  const char* code;
+  int32_t reg;
+  const char* display;
+  const char* raw;
+};
+
+void ExpectCases(int16_t type, const std::vector<Case>& cases) {
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string("code ") + c.code + " position " + std::to_string(c.position) +
+                 " register " + std::to_string(c.reg));
+    const Cell cell = DecodeOne(type, c.position, c.code, c.reg);
+    EXPECT_EQ(cell.display, c.display);
+    EXPECT_EQ(cell.raw, c.raw);
+  }
+}
+
+TEST(DisplayCodes, Bits) {
+  ExpectCases(kBit, {
+                        {31, "d", INT32_MIN, "1", "1"},
+                        {31, "d", INT32_MAX, "0", "0"},
+                        {0, "d", 1, "1", "1"},
+                        {0, "d", 2, "0", "0"},
+                        {5, "d", 0x20, "1", "1"},
+                        {5, "d", 0x1F, "0", "0"},
+                        {5, "d", 0x40, "0", "0"},
+                        {30, "b", -1, "1", "1"},
+                        // Any code but the lookups shows the digit.
+                        {5, "x", 0x20, "1", "1"},
+                        {5, "h", 0x60, "1", "1"},
+                    });
+}
+
+TEST(DisplayCodes, Nibbles) {
+  ExpectCases(kNible, {
+                          {3, "d", 0xF000, " 15", "15"},
+                          {3, "2d", 0xF000, "0.15", "15"},
+                          {3, "sd", 0xF000, " 15", "15"},  // a nibble has no sign
+                          {7, "d", INT32_MIN, " 8", "8"},
+                          {3, "h", 0xF000, "F", "15"},
+                          {0, "h", 0x5, "5", "5"},
+                          {3, "a", 0xF000, "\x7F", "15"},
+                          {3, "b", 0xF000, "1111", "15"},
+                          {0, "b", 0x5, "0101", "5"},
+                          {3, "p", 0xF000, " ", "15"},
+                          {0, "p", 0xA, "*", "10"},
+                          {0, "p", 0x7, "7", "7"},
+                      });
+}
+
+TEST(DisplayCodes, Bytes) {
+  ExpectCases(kByte, {
+                         {1, "d", 0xFE00, " 254", "254"},
+                         {1, "sd", 0xFE00, "-2", "-2"},
+                         {0, "sd", 127, " 127", "127"},
+                         {0, "sd", 128, "-128", "-128"},
+                         {0, "Sd", 200, "-56", "-56"},  // the marker is found in any case
+                         {0, "3d", 254, "0.254", "254"},
+                         {0, "s2d", 254, "-2", "-2"},  // no leading number: no decimals
+                         {0, "h", 7, "07", "7"},
+                         {1, "h", 0xFE00, "FE", "254"},
+                         {0, "a", 0x41, "A", "65"},
+                         {0, "a", 0x07, "\x7F", "7"},
+                         {1, "a", 0xFE00, "\xFE", "254"},
+                         {1, "b", 0xFE00, "11111110", "254"},
+                         {0, "b", 7, "00000111", "7"},
+                         {1, "p", 0xFE00, " +", "254"},
+                         {0, "p", 7, "07", "7"},
+                         {0, "p", 0xCD, "W,", "205"},
+                     });
+}
+
+TEST(DisplayCodes, Words) {
+  ExpectCases(kWord, {
+                         {1, "d", -65536, " 65535", "65535"},
+                         {1, "sd", -65536, "-1", "-1"},
+                         {0, "sd", 32767, " 32767", "32767"},
+                         {0, "sd", 32768, "-32768", "-32768"},
+                         {0, "2d", 1234, "12.34", "1234"},
+                         {0, "2d", 5, "0.05", "5"},
+                         {0, "2sd", 65535, "-0.01", "-1"},
+                         {0, "h", 0xAB, "00AB", "171"},
+                         {1, "h", -65536, "FFFF", "65535"},
+                         {0, "a", 0x4142, "AB", "16706"},
+                         {0, "a", 0x0041,
+                          "\x7F"
+                          "A",
+                          "65"},
+                         {1, "b", -65536, "11111111 11111111", "65535"},
+                         {0, "b", 5, "00000000 00000101", "5"},
+                         {0, "p", 0x1AB0, "1*#0", "6832"},
+                         {0, "p", 0x12, "0012", "18"},
+                         {0, "e", 0x0A05, "1/2/5", "2565"},
+                         {1, "e", -1, "15/7/255", "65535"},
+                     });
+}
+
+TEST(DisplayCodes, Longs) {
+  ExpectCases(kLong, {
+                         // Always signed under "d", with or without the marker.
+                         {0, "d", -1, "-1", "-1"},
+                         {0, "sd", -1, "-1", "-1"},
+                         {0, "d", 0x00012345, " 74565", "74565"},
+                         {0, "d", INT32_MAX, " 2147483647", "2147483647"},
+                         {0, "2d", 0x00012345, "745.65", "74565"},
+                         {0, "2d", -5, "-0.05", "-5"},
+                         // "h": eight digits; the raw text is word 1.
+                         {0, "h", -1, "FFFFFFFF", "65535"},
+                         {0, "h", 0x00012345, "00012345", "1"},
+                         {0, "h", 0x7, "00000007", "0"},
+                         {0, "h", 0x0ABC0001, "0ABC0001", "2748"},
+                         {0, "a", 0x41420043,
+                          "AB\x7F"
+                          "C",
+                          "1094844483"},
+                         {0, "4a", 0x41420043,
+                          "AB\x7F"
+                          "C",
+                          "1094844483"},
+                         {0, "2a", 0x41420043,
+                          "\x7F"
+                          "C",
+                          "1094844483"},
+                         {0, "sa", -1, "\xFF\xFF\xFF\xFF", "-1"},
+                         // "b" and "p": the raw text is word 0, the last word read.
+                         {0, "b", -1, "11111111 11111111 11111111 11111111", "65535"},
+                         {0, "b", 0x00050003, "00000000 00000101 00000000 00000011", "3"},
+                         {0, "p", 0x1AB0F00C, "1*#0 00W", "61452"},
+                         {0, "p", 0x00120034, "00120034", "52"},
+                     });
+}
+
+TEST(DisplayCodes, DecimalsUseTheHostsDecimalSeparator) {
+  DecoderFixture f;
+  f.m.decimalSeparator = ',';
+  f.Define(0, kWord, 0, 0, "W", "2d");
+  f.Define(1, kLong, 0, 0, "L", "2d");
+  f.Define(2, kWord, 0, 0, "Plain", "d");
+  ASSERT_TRUE(f.Decode({1234}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"12,34", "12,34", " 1234"}));
+}
+
+TEST(CarriedTexts, AnUnknownCodeRepeatsThePreviousColumnsText) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "A", "d");
+  f.Define(1, kWord, 0, 1, "B", "x");
+  f.Define(2, kNible, 0, 0, "C", "e");  // "e" is for words only
+  f.Define(3, kByte, 0, 0, "D", "e");
+  f.Define(4, kLong, 0, 0, "E", "gx");  // a "g" pair that is no symbol format
+  f.Define(5, kStrg, 0, 0, "F", "d");   // only "a" reads a string
+  ASSERT_TRUE(f.Decode({0x00020007}));
+  const DecodedRow row = f.LastRow();
+  EXPECT_EQ(row.texts, std::vector<std::string>(6, " 7"));
+  // Each column sets its raw value, except the string, which adds its register and then
+  // repeats the raw text before it.
+  EXPECT_EQ(row.raw, "7;2;7;7;131079;131079;131079");
+  EXPECT_EQ(row.comment, ";;;;;");
+}
+
+TEST(CarriedTexts, TheFirstColumnOfEveryRecordStartsEmpty) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "A", "x");
+  f.Define(1, kWord, 0, 0, "B", "d");
+  ASSERT_TRUE(f.Decode({3}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"", " 3"}));
+  EXPECT_EQ(f.LastRow().raw, "3;3");
+  ASSERT_TRUE(f.Decode({4}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"", " 4"}));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 2);
+}
+
+TEST(CarriedTexts, ColumnsAreDecodedInColumnNumberOrderUpToTheHighest) {
+  DecoderFixture f;
+  f.Define(7, kWord, 0, 0, "Late", "x");
+  f.Define(2, kWord, 1, 0, "Early", "d");
+  ASSERT_TRUE(f.Decode({10, 20}));
+  // Column 7 repeats column 2, which came before it although it was defined after.
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 20", " 20"}));
+  EXPECT_EQ(f.LastRow().raw, "20;10");
+}
+
+TEST(StringDisplay, SixCharactersReadTwoRegisters) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "N", "d");
+  ColumnDef& name = f.Define(1, kStrg, 1, 0, "Name", "a");
+  name.StringLength = 6;
+  name.ExtraRegisters = 1;
+  ASSERT_TRUE(f.Decode({5, Packed("ABCD"), Packed("EFGH"), Packed("IJKL")}));
+  const DecodedRow row = f.LastRow();
+  EXPECT_EQ(row.texts, (std::vector<std::string>{" 5", "ABCDEF"}));
+  EXPECT_EQ(row.raw, "5;" + std::to_string(Packed("EFGH")) + ";5");
+  EXPECT_EQ(row.comment, ";");
+}
+
+TEST(StringDisplay, TenCharactersMoveTheColumnsAfterThemByTwoRegisters) {
+  DecoderFixture f;
+  f.m.description.RecordLength = 3;
+  f.Define(1, kWord, 0, 0, "N", "d");
+  f.Define(2, kStrg, 1, 0, "Name", "a", 10);
+  f.Define(3, kWord, 2, 0, "After", "d");
+  ResolveStringColumns(f.m.description, {});
+  ASSERT_EQ(f.m.description.RecordLength, 5);
+  const std::vector<int32_t> records = {
+      7, Packed("ABCD"), Packed("EFGH"), Packed("IJKL"), 9,
+      8, Packed("MNOP"), Packed("QRST"), Packed("UVWX"), 11,
+  };
+  ASSERT_TRUE(f.Decode(records, 0));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 7", "ABCDEFGHIJ", " 9"}));
+  EXPECT_EQ(f.LastRow().raw, "7;" + std::to_string(Packed("IJKL")) + ";7;9");
+  ASSERT_TRUE(f.Decode(records, 5));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 8", "MNOPQRSTUV", " 11"}));
+}
+
+TEST(StringDisplay, ControlCodesShowAsCode127) {
+  DecoderFixture f;
+  ColumnDef& text = f.Define(0, kStrg, 0, 0, "S", "a");
+  text.StringLength = 4;
+  ASSERT_TRUE(f.Decode({0x41000942}));
+  EXPECT_EQ(f.LastRow().texts.at(0),
+            "A\x7F\x7F"
+            "B");
+  // A first column that is a string leaves a leading empty field in the raw line.
+  EXPECT_EQ(f.LastRow().raw, ";" + std::to_string(0x41000942) + ";");
+  EXPECT_EQ(f.LastRow().comment, ";");
+}
+
+TEST(ValueLists, ColumnTextsComeFromTheFirstMatchingEntry) {
+  ColumnDef c;
+  c.Values = {1, 3, 3, -5};
+  c.ValueTexts = {"One", "Three", "Again", "Minus five"};
+  EXPECT_EQ(LookupColumnText(c, 3, false), "Three");
+  EXPECT_EQ(LookupColumnText(c, -5, true), "Minus five");
+  EXPECT_EQ(LookupColumnText(c, 2, false), "<2>");
+  EXPECT_EQ(LookupColumnText(c, -2, false), "<-2>");
+  EXPECT_EQ(LookupColumnText(c, 2, true), "2");
+  c.DefaultText = "Other";
+  EXPECT_EQ(LookupColumnText(c, 2, false), "Other");
+  EXPECT_EQ(LookupColumnText(c, 2, true), "Other");
+  EXPECT_EQ(LookupColumnText(c, 1, false), "One");
+}
+
+TEST(ValueLists, BitWithoutEntryShowsTheDigitInBracketsUnlessPlain) {
+  EXPECT_EQ(DecodeOne(kBit, 0, "s", 1).display, "<1>");
+  EXPECT_EQ(DecodeOne(kBit, 0, "S", 1).display, "1");
+  EXPECT_EQ(DecodeOne(kBit, 0, "S", 1).raw, "1");
+}
+
+TEST(ValueLists, EveryFieldTypeLooksItsValueUp) {
+  DecoderFixture f;
+  const std::vector<int32_t> values = {1, 2, 2, -1, 254};
+  const std::vector<std::string> texts = {"Off", "On", "Twice", "Minus", "Near top"};
+  auto define = [&](int n, int16_t type, int16_t position, const std::string& code) {
+    ColumnDef& c = f.Define(n, type, 0, position, "C" + std::to_string(n), code);
+    c.Values = values;
+    c.ValueTexts = texts;
+  };
+  define(0, kBit, 1, "s");    // bit 1: 1
+  define(1, kNible, 0, "s");  // nibble 0: 2
+  define(2, kByte, 1, "s");   // byte 1: 254, no sign step outside "d"
+  define(3, kWord, 1, "S");   // word 1: 65535, no entry
+  define(4, kLong, 0, "s");   // the marker makes the register signed
+  define(5, kLong, 0, "x");   // carries the text before it
+  define(6, kByte, 0, "S");   // byte 0: 2
+  ASSERT_TRUE(f.Decode({static_cast<int32_t>(0xFFFFFE02u)}));
+  EXPECT_EQ(f.LastRow().texts,
+            (std::vector<std::string>{"Off", "On", "Near top", "65535", "<-510>", "<-510>", "On"}));
+  EXPECT_EQ(f.LastRow().raw, "1;2;254;65535;-510;-510;2");
+  ASSERT_TRUE(f.Decode({-1}));
+  EXPECT_EQ(f.LastRow().texts,
+            (std::vector<std::string>{"Off", "<15>", "<255>", "65535", "Minus", "Minus", "255"}));
+  EXPECT_EQ(f.LastRow().raw, "1;15;255;65535;-1;-1;255");
+}
+
+TEST(ValueLists, DefaultTextStandsInForMissingEntries) {
+  DecoderFixture f;
+  ColumnDef& c = f.Define(0, kByte, 0, 0, "State", "s");
+  c.Values = {0, 1};
+  c.ValueTexts = {"Off", "On"};
+  c.DefaultText = "Unknown";
+  ASSERT_TRUE(f.Decode({1}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "On");
+  ASSERT_TRUE(f.Decode({9}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "Unknown");
+  EXPECT_EQ(f.LastRow().raw, "9");
+}
+
+struct ValueTextFixture : DecoderFixture {
+  ValueTextFixture() {
+    m.valueTexts.Add("0", "Mode", 2, "Auto", "auto mode");
+    m.valueTexts.Add("3", "Application", 0, "Pump 3", "main");
+    m.valueTexts.Add("3", "Mode", 2, "Manual", "by hand");
+  }
+};
+
+TEST(ApplicationTexts, TextAndCommentComeFromTheCurrentApplication) {
+  ValueTextFixture f;
+  f.Define(0, kByte, 0, 0, "Mode", "f");
+  f.Define(1, kByte, 0, 1, "Level", "F");
+  ASSERT_TRUE(f.Decode({0x0702}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"Auto", "7"}));
+  EXPECT_EQ(f.LastRow().comment, "auto mode;");
+  ASSERT_TRUE(f.Decode({0x0707}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"<7>", "7"}));
+  EXPECT_EQ(f.LastRow().comment, ";");
+}
+
+TEST(ApplicationTexts, AnApplicationColumnSelectsTheTextsOfLaterColumnsAndRecords) {
+  ValueTextFixture f;
+  f.Define(0, kByte, 0, 0, "Mode", "f");
+  f.Define(1, kByte, 0, 1, "application", "f");
+  f.Define(2, kByte, 0, 0, "Mode", "F");
+  ASSERT_TRUE(f.Decode({0x0302}));
+  // Column 0 still uses application 0; column 1 switches to 3 for column 2.
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"Auto", "Pump 3", "Manual"}));
+  EXPECT_EQ(f.LastRow().comment, "auto mode;main;by hand");
+  EXPECT_EQ(f.LastRow().raw, "2;3;2");
+  EXPECT_EQ(f.m.CurrentAppId, 3);
+  ASSERT_TRUE(f.Decode({0x0402}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"Manual", "<4>", "2"}));
+  EXPECT_EQ(f.LastRow().comment, "by hand;;");
+  EXPECT_EQ(f.m.CurrentAppId, 4);
+}
+
+TEST(ApplicationTexts, LongsLookUpTheirValueUnsignedWithoutTheMarker) {
+  ValueTextFixture f;
+  f.Define(0, kLong, 0, 0, "Big", "f");
+  f.Define(1, kLong, 0, 0, "Big", "F");
+  ASSERT_TRUE(f.Decode({-1}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"<4294967295>", "4294967295"}));
+  EXPECT_EQ(f.LastRow().raw, "-1;-1");
+}
+
+TEST(ApplicationTexts, AnApplicationBeyond32BitsEndsTheRecord) {
+  ValueTextFixture f;
+  f.Define(0, kLong, 0, 0, "Application", "f");
+  EXPECT_FALSE(f.Decode({-1}));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  ASSERT_EQ(f.prompts.Messages().size(), 1u);
+  EXPECT_EQ(f.prompts.Messages()[0].text, "Overflow");
+}
+
+struct SymbolFixture : DecoderFixture {
+  SymbolFixture() {
+    m.symbols.Add("R", "Motor1", " speed set point", 100);
+    m.symbols.Add("O", "Pumps.V1", "", 33);
+    Define(0, kLong, 0, 0, "Addr", "ga");
+    Define(1, kLong, 0, 0, "Value", "gv");
+    Define(2, kLong, 0, 0, "Name", "gs");
+    Define(3, kLong, 0, 0, "Note", "gc");
+  }
+  std::vector<std::string> Texts(int32_t reg) {
+    EXPECT_TRUE(Decode({reg}));
+    return LastRow().texts;
+  }
+};
+
+TEST(SymbolFormats, NamesAndCommentsOfKnownAddresses) {
+  SymbolFixture f;
+  EXPECT_EQ(f.Texts(0x00050064),
+            (std::vector<std::string>{"R 100", "100", "Motor1", " speed set point"}));
+  EXPECT_EQ(f.LastRow().raw, "327780;327780;327780;327780");
+  EXPECT_EQ(f.Texts(0x00150021), (std::vector<std::string>{"O 33", "33", "Pumps.V1", ""}));
+  EXPECT_TRUE(f.ReportedErrors().empty());
+}
+
+TEST(SymbolFormats, UnknownAddressesShowTheirOwnNotFoundTexts) {
+  SymbolFixture f;
+  EXPECT_EQ(f.Texts(0x00050065),
+            (std::vector<std::string>{"R 101", "101", "<Not found>", "<No found>"}));
+  // Media code 7 has no prefix, so "gv" cuts the address's own first digits.
+  EXPECT_EQ(f.Texts(0x000704B0),
+            (std::vector<std::string>{"1200", "00", "<Not found>", "<No found>"}));
+}
+
+TEST(SymbolFormats, AnAddressAbove32767IsReportedAndTheRecordStays) {
+  SymbolFixture f;
+  EXPECT_EQ(f.Texts(0x00058000), (std::vector<std::string>{"", "", "<Not found>", "<No found>"}));
+  EXPECT_EQ(f.ReportedErrors(), std::vector<std::string>(4, "Error in ReadMedia function."));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
+}
+
+TEST(SymbolFormats, MediaCodesAreLookedUpInTheColumnsList) {
+  DecoderFixture f;
+  ColumnDef& c = f.Define(0, kLong, 0, 0, "Media", "gm");
+  c.Values = {5, 3};
+  c.ValueTexts = {"Register", "Flag"};
+  ASSERT_TRUE(f.Decode({0x00050064}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "Register");
+  EXPECT_EQ(f.LastRow().raw, "327780");
+  ASSERT_TRUE(f.Decode({0x00070000}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "<7>");
+}
+
+TEST(SymbolFormats, ErrorsAfterASymbolColumnDoNotLoseTheRecord) {
+  SymbolFixture f;
+  f.Define(4, kWord, 9, 0, "Outside", "d");  // register 9 is not in the block
+  f.Define(5, kWord, 0, 0, "Inside", "d");
+  f.Define(6, kLong, 1, 0, "Application", "f");  // 4294967295 does not fit an application id
+  f.Define(7, kWord, 1, 0, "Last", "d");
+  ASSERT_TRUE(f.Decode({0x00050064, -1}));
+  const DecodedRow row = f.LastRow();
+  EXPECT_EQ(row.texts.at(2), "Motor1");
+  EXPECT_EQ(row.texts.at(5), " 100");
+  EXPECT_EQ(row.texts.at(7), " 65535");
+  EXPECT_EQ(f.m.CurrentAppId, 0);
+  EXPECT_TRUE(f.prompts.Messages().empty());
+  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
+}
+
+TEST(SymbolFormats, ErrorsBeforeTheFirstSymbolColumnStillEndTheRecord) {
+  DecoderFixture f;
+  f.Define(0, kWord, 9, 0, "Outside", "d");
+  f.Define(1, kLong, 0, 0, "Name", "gs");
+  EXPECT_FALSE(f.Decode({0x00050064}));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  EXPECT_EQ(f.prompts.Messages().size(), 1u);
+}
+
+TEST(TimeStamps, StampColumnsShowTimeDateOrBoth) {
+  DecoderFixture f;
+  f.Define(0, kLong, 0, 0, "Time", "th");
+  f.Define(1, kLong, 0, 0, "Date", "td");
+  f.Define(2, kLong, 0, 0, "Both", "t");
+  f.Define(3, kLong, 0, 0, "Upper", "tH");
+  f.Define(4, kLong, 0, 0, "Other", "tx");
+  ASSERT_TRUE(f.Decode({1115143025}));
+  EXPECT_EQ(f.LastRow().texts,
+            (std::vector<std::string>{"14:30:25", "15/11/26", "15/11/26 14:30:25", "14:30:25",
+                                      "15/11/26 14:30:25"}));
+  EXPECT_EQ(f.LastRow().raw, "1115143025;1115143025;1115143025;1115143025;1115143025");
+  ASSERT_TRUE(f.Decode({-5}));
+  EXPECT_EQ(f.LastRow().texts, std::vector<std::string>(5, "Invalid time"));
+}
+
+TEST(TimeStamps, TheYearOfADateIsThePCsAtDecodingTime) {
+  DecoderFixture f;
+  f.Define(0, kLong, 0, 0, "Date", "td");
+  ASSERT_TRUE(f.Decode({1115143025}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "15/11/26");
+  f.loop.Advance(int64_t{50} * 24 * 3600 * 1000);  // into January 2027
+  ASSERT_TRUE(f.Decode({1115143025}));
+  EXPECT_EQ(f.LastRow().texts.at(0), "15/11/27");
+}
+
+TEST(TimeStamps, EveryRecordIsStampedWithThePCsDateAndTime) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "W", "d");
+  ASSERT_TRUE(f.Decode({1}));
+  EXPECT_EQ(f.LastRow().date, "15/11/26");
+  EXPECT_EQ(f.LastRow().time, "08:15:30");
+  EXPECT_EQ(f.m.StatusDate, "15/11/26");
+  f.loop.Advance(1000);
+  ASSERT_TRUE(f.Decode({2}));
+  EXPECT_EQ(f.LastRow().time, "08:15:31");
+  EXPECT_EQ(f.m.StatusTime, "08:15:31");
+}
+
+TEST(RecordFailures, ReaderErrorsAreReportedButTheRecordIsAdded) {
+  DecoderFixture f;
+  f.Define(0, kByte, 0, 5, "Bad", "d");  // byte 5 is outside the byte table
+  f.Define(1, kWord, 0, 0, "Good", "d");
+  ASSERT_TRUE(f.Decode({9}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 0", " 9"}));
+  EXPECT_EQ(f.ReportedErrors(), std::vector<std::string>{"Error in ReadByte function."});
+  EXPECT_TRUE(f.prompts.Messages().empty());
+}
+
+TEST(RecordFailures, ARegisterOutsideTheBlockEndsTheRecordWithoutARow) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "A", "d");
+  f.Define(1, kWord, 3, 0, "B", "d");
+  EXPECT_FALSE(f.Decode({1}));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  EXPECT_TRUE(f.host.Named("OutputLine").empty());
+  ASSERT_EQ(f.prompts.Messages().size(), 1u);
+  EXPECT_FALSE(f.prompts.Messages()[0].text.empty());
+  // The next complete record decodes as usual.
+  ASSERT_TRUE(f.Decode({1, 0, 0, 2}));
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 1", " 2"}));
+  EXPECT_EQ(f.host.Named("OutputLine").size(), 1u);
+}
+
+TEST(RecordFailures, AStringReachingBeyondTheBlockEndsTheRecord) {
+  DecoderFixture f;
+  ColumnDef& c = f.Define(0, kStrg, 0, 0, "S", "a");
+  c.StringLength = 8;
+  c.ExtraRegisters = 1;
+  EXPECT_FALSE(f.Decode({Packed("ABCD")}));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+}
+
+}  // namespace
+}  // namespace vantrel
