@@ -85,13 +85,17 @@ class TableModel {
   void RemoveObserver(TableObserver* observer);
 
  private:
-  // One row's cells in one buffer: ends_[i] is where cell i ends in text_.
+  // One row's cells in one buffer: ends[i] is where cell i ends in text, and the next cell
+  // starts one byte further.
   struct Row {
     std::string text;
     std::vector<uint32_t> ends;
+    size_t Begin(size_t i) const;
     std::string_view Cell(size_t i) const;
     void Resize(size_t cells);
+    void AppendCell(std::string_view value);
     void Set(size_t i, std::string_view value);
+    void ClearCells();
   };
   struct Column {
     int32_t width = 0;
@@ -100,6 +104,7 @@ class TableModel {
     int32_t headerBackColor = 0;
   };
 
+  Row TakeSpareRow();
   const Row& RowAt(int row) const;
   Row& RowAt(int row);
   void CheckColumn(int column) const;
@@ -108,6 +113,7 @@ class TableModel {
 
   Row header_;
   std::deque<Row> rows_;
+  Row spare_;
   std::vector<Column> columns_;
   int topRow_ = 1;
   bool redraw_ = true;

@@ -6,8 +6,16 @@
 
 namespace vantrel {
 
+// Cells are stored one after the other with a one-byte gap between neighbours, so that a
+// row given as tab-separated text is taken over with one copy.
+constexpr char kCellGap = '\t';
+
+size_t TableModel::Row::Begin(size_t i) const {
+  return i == 0 ? 0 : ends[i - 1] + 1;
+}
+
 std::string_view TableModel::Row::Cell(size_t i) const {
-  const size_t begin = i == 0 ? 0 : ends[i - 1];
+  const size_t begin = Begin(i);
   return std::string_view(text).substr(begin, ends[i] - begin);
 }
 
@@ -15,19 +23,32 @@ void TableModel::Row::Resize(size_t cells) {
   if (cells < ends.size()) {
     text.resize(cells == 0 ? 0 : ends[cells - 1]);
     ends.resize(cells);
-  } else {
-    ends.resize(cells, static_cast<uint32_t>(text.size()));
   }
+  while (ends.size() < cells)
+    AppendCell({});
+}
+
+void TableModel::Row::AppendCell(std::string_view value) {
+  if (!ends.empty()) text += kCellGap;
+  text += value;
+  ends.push_back(static_cast<uint32_t>(text.size()));
 }
 
 void TableModel::Row::Set(size_t i, std::string_view value) {
-  const size_t begin = i == 0 ? 0 : ends[i - 1];
+  const size_t begin = Begin(i);
   const size_t oldLength = ends[i] - begin;
   text.replace(begin, oldLength, value);
   const auto delta = static_cast<int64_t>(value.size()) - static_cast<int64_t>(oldLength);
   for (size_t k = i; k < ends.size(); ++k) {
     ends[k] = static_cast<uint32_t>(static_cast<int64_t>(ends[k]) + delta);
   }
+}
+
+void TableModel::Row::ClearCells() {
+  const size_t cells = ends.size();
+  text.assign(cells == 0 ? 0 : cells - 1, kCellGap);
+  for (size_t i = 0; i < cells; ++i)
+    ends[i] = static_cast<uint32_t>(i);
 }
 
 template <typename F>
@@ -131,37 +152,44 @@ void TableModel::SetHeaderBackColor(int column, int32_t color) {
   Notify([&](TableObserver& o) { o.ColumnChanged(column); });
 }
 
+TableModel::Row TableModel::TakeSpareRow() {
+  Row row = std::move(spare_);
+  row.text.clear();
+  row.ends.clear();
+  return row;
+}
+
 void TableModel::AddRow(std::span<const std::string> cells) {
-  Row row;
+  Row row = TakeSpareRow();
   const size_t count = columns_.size();
   row.ends.reserve(count);
-  size_t length = 0;
-  for (size_t i = 0; i < std::min(count, cells.size()); ++i)
-    length += cells[i].size();
-  row.text.reserve(length);
-  for (size_t i = 0; i < count; ++i) {
-    if (i < cells.size()) row.text += cells[i];
-    row.ends.push_back(static_cast<uint32_t>(row.text.size()));
-  }
+  for (size_t i = 0; i < count; ++i)
+    row.AppendCell(i < cells.size() ? std::string_view(cells[i]) : std::string_view());
   rows_.push_back(std::move(row));
   const int added = RowCount() - 1;
   Notify([&](TableObserver& o) { o.RowsAppended(added, 1); });
 }
 
 void TableModel::AddItem(std::string_view tabSeparated) {
-  Row row;
+  Row row = TakeSpareRow();
   const size_t count = columns_.size();
   row.ends.reserve(count);
-  row.text.reserve(tabSeparated.size());
-  size_t start = 0;
-  for (size_t i = 0; i < count; ++i) {
-    if (start <= tabSeparated.size()) {
+  if (count > 0) {
+    // The tabs become the gaps between cells: the cells only need their ends found.
+    row.text.assign(tabSeparated);
+    size_t start = 0;
+    while (row.ends.size() < count) {
       const size_t tab = tabSeparated.find('\t', start);
-      const size_t end = tab == std::string_view::npos ? tabSeparated.size() : tab;
-      row.text.append(tabSeparated.substr(start, end - start));
-      start = tab == std::string_view::npos ? tabSeparated.size() + 1 : tab + 1;
+      if (tab == std::string_view::npos) break;
+      if (row.ends.size() + 1 == count) {
+        row.text.resize(tab);  // cells beyond the column count are dropped
+        break;
+      }
+      row.ends.push_back(static_cast<uint32_t>(tab));
+      start = tab + 1;
     }
     row.ends.push_back(static_cast<uint32_t>(row.text.size()));
+    row.Resize(count);
   }
   rows_.push_back(std::move(row));
   const int added = RowCount() - 1;
@@ -171,6 +199,9 @@ void TableModel::AddItem(std::string_view tabSeparated) {
 void TableModel::RemoveRow(int row) {
   if (row < 1 || row >= RowCount()) throw RuntimeError::SubscriptOutOfRange();
   if (row == 1) {
+    // The oldest row's buffers serve the next row appended: a table at its row limit then
+    // appends and drops rows without allocating.
+    spare_ = std::move(rows_.front());
     rows_.pop_front();
   } else {
     rows_.erase(rows_.begin() + (row - 1));
@@ -180,12 +211,9 @@ void TableModel::RemoveRow(int row) {
 }
 
 void TableModel::ClearCells() {
-  header_.text.clear();
-  std::fill(header_.ends.begin(), header_.ends.end(), 0U);
-  for (Row& row : rows_) {
-    row.text.clear();
-    std::fill(row.ends.begin(), row.ends.end(), 0U);
-  }
+  header_.ClearCells();
+  for (Row& row : rows_)
+    row.ClearCells();
   Notify([](TableObserver& o) { o.TableReset(); });
 }
 

@@ -27,14 +27,14 @@ int64_t Unsigned(int32_t value) {
 
 std::string Hex(int64_t value) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
-  if (value == 0) return "0";
-  std::string out;
+  char digits[16];
+  char* first = digits + sizeof digits;
   auto u = static_cast<uint64_t>(value);
-  while (u != 0) {
-    out.insert(out.begin(), kDigits[u & 0xF]);
+  do {
+    *--first = kDigits[u & 0xF];
     u >>= 4;
-  }
-  return out;
+  } while (u != 0);
+  return std::string(first, digits + sizeof digits);
 }
 
 std::string PadLeft(std::string text, size_t width) {
@@ -57,6 +57,60 @@ void AppendDecimal(std::string& out, int64_t value) {
   char digits[24];
   const auto result = std::to_chars(digits, digits + sizeof digits, value);
   out.append(digits, result.ptr);
+}
+
+// The value (in "<" ">" unless plain) when no text is found for it.
+void AssignValueItself(std::string& out, int64_t value, bool plain) {
+  out.clear();
+  if (!plain) out += '<';
+  AppendDecimal(out, value);
+  if (!plain) out += '>';
+}
+
+void AssignColumnText(std::string& out, const ColumnDef& column, int64_t value, bool plain) {
+  for (size_t i = 0; i < column.Values.size(); ++i) {
+    if (column.Values[i] == value) {
+      out = column.ValueTexts[i];
+      return;
+    }
+  }
+  if (!column.DefaultText.empty()) {
+    out = column.DefaultText;
+    return;
+  }
+  AssignValueItself(out, value, plain);
+}
+
+void AssignDecimalText(std::string& out, int64_t value, int decimals, char decimalSeparator) {
+  out.clear();
+  if (decimals <= 0) {
+    if (value >= 0) out += ' ';
+    AppendDecimal(out, value);
+    return;
+  }
+  // Digits of the magnitude, zero-padded so that one digit stands before the separator.
+  char digits[24];
+  const uint64_t magnitude =
+      value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+  const auto end = std::to_chars(digits, digits + sizeof digits, magnitude).ptr;
+  const auto count = static_cast<size_t>(end - digits);
+  const auto places = static_cast<size_t>(decimals);
+  if (value < 0) out += '-';
+  if (count <= places) {
+    out += '0';
+    out += decimalSeparator;
+    out.append(places - count, '0');
+    out.append(digits, count);
+  } else {
+    out.append(digits, count - places);
+    out += decimalSeparator;
+    out.append(digits + (count - places), places);
+  }
+}
+
+void AssignDecimal(std::string& out, int64_t value) {
+  out.clear();
+  AppendDecimal(out, value);
 }
 
 // What decoding one record needs besides the module.
@@ -86,7 +140,7 @@ class RecordDecoder {
     comment_.clear();
     code_ = column.DisplayCode;
     last_ = code_.empty() ? '\0' : code_.back();
-    signMarker_ = IFind(code_, "s") != std::string_view::npos;
+    signMarker_ = code_.find_first_of("sS") != std::string_view::npos;
     decimals_ = LeadingNumber(code_);
     try {
       const int32_t reg = Register(column.RegisterIndex);
@@ -157,23 +211,23 @@ class RecordDecoder {
   bool LookupByCode(const ColumnDef& column, int64_t value) {
     switch (last_) {
       case 's':
-        display_ = LookupColumnText(column, value, false);
+        AssignColumnText(display_, column, value, false);
         return true;
       case 'S':
-        display_ = LookupColumnText(column, value, true);
+        AssignColumnText(display_, column, value, true);
         return true;
       case 'f':
-        display_ = LookupValueText(column, value, false);
+        AssignValueText(column, value, false);
         return true;
       case 'F':
-        display_ = LookupValueText(column, value, true);
+        AssignValueText(column, value, true);
         return true;
       default:
         return false;
     }
   }
 
-  std::string LookupValueText(const ColumnDef& column, int64_t value, bool plain) {
+  void AssignValueText(const ColumnDef& column, int64_t value, bool plain) {
     // The key is built in a buffer kept across columns: this runs for most cells.
     key_.clear();
     if (IEquals(column.Caption, "Application")) {
@@ -191,9 +245,10 @@ class RecordDecoder {
     }
     if (const cValue* item = m_.valueTexts.Find(key_)) {
       comment_ = item->Comment();
-      return item->Text();
+      display_ = item->Text();
+      return;
     }
-    return plain ? std::to_string(value) : "<" + std::to_string(value) + ">";
+    AssignValueItself(display_, value, plain);
   }
 
   void DecodeBit(const ColumnDef& column, int32_t reg) {
@@ -204,8 +259,8 @@ class RecordDecoder {
       if (position < 31) value %= int64_t{1} << (position + 1);
       bit = value > (int64_t{1} << std::min(position, 40)) - 1 ? 1 : 0;
     }
-    if (!LookupByCode(column, bit)) display_ = std::to_string(bit);
-    raw_ = std::to_string(bit);
+    if (!LookupByCode(column, bit)) AssignDecimal(display_, bit);
+    AssignDecimal(raw_, bit);
   }
 
   void DecodePart(const ColumnDef& column, int32_t reg) {
@@ -228,7 +283,7 @@ class RecordDecoder {
       case 'd':
         if (signMarker_ && column.FieldType == kByte && part > 127) part -= 256;
         if (signMarker_ && column.FieldType == kWord && part > 32767) part -= 65536;
-        display_ = DecimalText(part, decimals_, m_.decimalSeparator);
+        AssignDecimalText(display_, part, decimals_, m_.decimalSeparator);
         break;
       case 'h':
         display_ = column.FieldType == kNible ? Hex(part)
@@ -254,7 +309,7 @@ class RecordDecoder {
         LookupByCode(column, part);
         break;
     }
-    raw_ = std::to_string(part);
+    AssignDecimal(raw_, part);
   }
 
   void DecodeSymbol(const ColumnDef& column, int32_t reg, int64_t working) {
@@ -268,7 +323,7 @@ class RecordDecoder {
         const std::string media = ReadMedia(working, sink_);
         display_ = media.size() > 2 ? media.substr(2) : std::string();
       } else if (code_ == "gm") {
-        display_ = LookupColumnText(column, ReadByte(2, reg, sink_), false);
+        AssignColumnText(display_, column, ReadByte(2, reg, sink_), false);
       } else if (code_ == "gs" || code_ == "gc") {
         const bool name = code_ == "gs";
         display_ = name ? "<Not found>" : "<No found>";
@@ -278,7 +333,7 @@ class RecordDecoder {
       }
     } catch (const RuntimeError&) {
     }
-    raw_ = std::to_string(reg);
+    AssignDecimal(raw_, reg);
   }
 
   void DecodeLong(const ColumnDef& column, int32_t reg) {
@@ -287,7 +342,7 @@ class RecordDecoder {
       DecodeSymbol(column, reg, working);
       return;
     }
-    raw_ = std::to_string(reg);
+    AssignDecimal(raw_, reg);
     if (!code_.empty() && code_[0] == 't') {
       display_ = FormatTimeValue(code_.substr(1), reg, m_.services.clock);
       return;
@@ -296,11 +351,11 @@ class RecordDecoder {
     const int64_t word1 = Read2Bytes(1, reg, sink_);
     switch (last_) {
       case 'd':
-        display_ = DecimalText(reg, decimals_, m_.decimalSeparator);
+        AssignDecimalText(display_, reg, decimals_, m_.decimalSeparator);
         break;
       case 'h':
         display_ = PadLeft(Hex(word1) + PadLeft(Hex(word0), 4), 8);
-        raw_ = std::to_string(word1);
+        AssignDecimal(raw_, word1);
         break;
       case 'a':
         display_ =
@@ -309,11 +364,11 @@ class RecordDecoder {
       case 'b':
         display_ = FormatBinary(static_cast<int32_t>(word1), 16) + " " +
                    FormatBinary(static_cast<int32_t>(word0), 16);
-        raw_ = std::to_string(word0);
+        AssignDecimal(raw_, word0);
         break;
       case 'p':
         display_ = FormatDialString(4, Hex(word1)) + FormatDialString(4, Hex(word0));
-        raw_ = std::to_string(word0);
+        AssignDecimal(raw_, word0);
         break;
       default:
         LookupByCode(column, working);
@@ -331,14 +386,15 @@ class RecordDecoder {
     }
     (void)reg;
     // A string column adds the last register it read to the raw values, before its own field.
-    (rawLine_ += ';') += std::to_string(lastRegister_);
+    rawLine_ += ';';
+    AppendDecimal(rawLine_, lastRegister_);
   }
 
   Module& m_;
   std::span<const int32_t> registers_;
   size_t first_;
   ReaderErrors sink_;
-  std::string code_;
+  std::string_view code_;
   char last_ = '\0';
   bool signMarker_ = false;
   int decimals_ = 0;
@@ -359,22 +415,15 @@ class RecordDecoder {
 }  // namespace
 
 std::string DecimalText(int64_t value, int decimals, char decimalSeparator) {
-  if (decimals <= 0) return (value >= 0 ? " " : "") + std::to_string(value);
-  const bool negative = value < 0;
-  std::string digits = std::to_string(negative ? -value : value);
-  if (digits.size() <= static_cast<size_t>(decimals)) {
-    digits.insert(0, static_cast<size_t>(decimals) + 1 - digits.size(), '0');
-  }
-  digits.insert(digits.size() - static_cast<size_t>(decimals), 1, decimalSeparator);
-  return negative ? "-" + digits : digits;
+  std::string text;
+  AssignDecimalText(text, value, decimals, decimalSeparator);
+  return text;
 }
 
 std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain) {
-  for (size_t i = 0; i < column.Values.size(); ++i) {
-    if (column.Values[i] == value) return column.ValueTexts[i];
-  }
-  if (!column.DefaultText.empty()) return column.DefaultText;
-  return plain ? std::to_string(value) : "<" + std::to_string(value) + ">";
+  std::string text;
+  AssignColumnText(text, column, value, plain);
+  return text;
 }
 
 bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {

@@ -2,27 +2,11 @@
 
 namespace vantrel {
 
-char FoldCase(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 std::string ToLower(std::string_view text) {
   std::string out(text);
   for (char& c : out)
     c = FoldCase(c);
   return out;
-}
-
-bool IEquals(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (FoldCase(a[i]) != FoldCase(b[i])) return false;
-  }
-  return true;
-}
-
-bool IStartsWith(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && IEquals(text.substr(0, prefix.size()), prefix);
 }
 
 size_t IFind(std::string_view text, std::string_view needle) {

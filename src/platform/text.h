@@ -2,15 +2,27 @@
 // Small text helpers shared by the file readers and the decoder. Texts are narrow strings of
 // Windows-1252 bytes; case folding touches ASCII letters only.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace vantrel {
 
-char FoldCase(char c);
+// Inline: these run for most decoded cells and for every keyed lookup.
+constexpr char FoldCase(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr bool IEquals(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (FoldCase(a[i]) != FoldCase(b[i])) return false;
+  }
+  return true;
+}
+constexpr bool IStartsWith(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && IEquals(text.substr(0, prefix.size()), prefix);
+}
 std::string ToLower(std::string_view text);
-bool IEquals(std::string_view a, std::string_view b);
-bool IStartsWith(std::string_view text, std::string_view prefix);
 // Position of the first occurrence of `needle` in `text` without regard to case, or npos.
 size_t IFind(std::string_view text, std::string_view needle);
 

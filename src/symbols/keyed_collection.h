@@ -17,14 +17,11 @@
 #include <utility>
 
 #include "platform/runtime_error.h"
+#include "platform/text.h"
 
 namespace vantrel {
 
 namespace keyed_collection_detail {
-
-constexpr char Fold(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 struct CaseInsensitiveHash {
   using is_transparent = void;
@@ -32,7 +29,7 @@ struct CaseInsensitiveHash {
     // FNV-1a over the folded bytes.
     uint64_t hash = 14695981039346656037ULL;
     for (const char c : key) {
-      hash ^= static_cast<unsigned char>(Fold(c));
+      hash ^= static_cast<unsigned char>(FoldCase(c));
       hash *= 1099511628211ULL;
     }
     return static_cast<size_t>(hash);
@@ -41,13 +38,7 @@ struct CaseInsensitiveHash {
 
 struct CaseInsensitiveEqual {
   using is_transparent = void;
-  bool operator()(std::string_view a, std::string_view b) const noexcept {
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i) {
-      if (Fold(a[i]) != Fold(b[i])) return false;
-    }
-    return true;
-  }
+  bool operator()(std::string_view a, std::string_view b) const noexcept { return IEquals(a, b); }
 };
 
 }  // namespace keyed_collection_detail

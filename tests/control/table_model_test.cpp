@@ -47,6 +47,50 @@ TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
   EXPECT_EQ(t.Text(1, 3), "");
 }
 
+TEST(TableModel, ARowAppendedAfterTheOldestWasDroppedStartsClean) {
+  // The dropped row's buffers are reused: nothing of its cells may show in the new row.
+  TableModel t;
+  t.SetColumnCount(3);
+  t.AddItem("a long first cell\tsecond\tthird");
+  t.AddItem("b\tc\td");
+  t.RemoveRow(1);
+  t.AddItem("x");
+  std::vector<std::string> cells = {"p", "q\tr"};
+  t.RemoveRow(1);
+  t.AddRow(cells);
+  ASSERT_EQ(t.DataRowCount(), 2);
+  EXPECT_EQ(t.Text(1, 0), "x");
+  EXPECT_EQ(t.Text(1, 1), "");
+  EXPECT_EQ(t.Text(1, 2), "");
+  EXPECT_EQ(t.Text(2, 0), "p");
+  EXPECT_EQ(t.Text(2, 1), "q\tr");  // a tab inside a cell stays part of that cell
+  EXPECT_EQ(t.Text(2, 2), "");
+  t.SetText(2, 2, "s\tt");
+  t.SetText(2, 0, "");
+  EXPECT_EQ(t.Text(2, 1), "q\tr");
+  EXPECT_EQ(t.Text(2, 2), "s\tt");
+}
+
+TEST(TableModel, RowsWithoutColumnsAndEmptyCellsKeepTheirShape) {
+  TableModel t;
+  t.AddItem("ignored\tcells");
+  EXPECT_EQ(t.DataRowCount(), 1);
+  t.SetColumnCount(2);
+  EXPECT_EQ(t.Text(1, 0), "");
+  EXPECT_EQ(t.Text(1, 1), "");
+  t.AddItem("\t\t");
+  EXPECT_EQ(t.Text(2, 0), "");
+  EXPECT_EQ(t.Text(2, 1), "");
+  t.SetText(2, 1, "z");
+  t.SetColumnCount(1);
+  t.SetColumnCount(3);
+  EXPECT_EQ(t.Text(2, 0), "");
+  EXPECT_EQ(t.Text(2, 1), "");
+  t.SetText(2, 2, "w");
+  EXPECT_EQ(t.Text(2, 2), "w");
+  EXPECT_EQ(t.Text(2, 1), "");
+}
+
 TEST(TableModel, RemovingTheOldestRowKeepsTheOrderAndTellsObservers) {
   TableModel t;
   Recorder r;
