@@ -60,7 +60,11 @@ int32_t RegisterGenerator::Value(int64_t n, const DateTime& now, std::mt19937& r
 
 TraceProgram::TraceProgram(RegisterSpace& space, TraceProgramConfig config, const Clock& clock,
                            uint32_t seed)
-    : space_(space), config_(std::move(config)), clock_(clock), random_(seed) {}
+    : space_(space),
+      config_(std::move(config)),
+      clock_(clock),
+      random_(seed),
+      counter_(config_.counterStart) {}
 
 void TraceProgram::SetWord(int32_t offset, int32_t value) {
   if (config_.dataBlock) {

@@ -91,6 +91,9 @@ struct TraceProgramConfig {
   int32_t version = 1;
   int32_t ringRecords = 50;
   int32_t counterIndex = 4;
+  // The running counter before the first record; a program that has run for long counts
+  // through negative values.
+  int32_t counterStart = 0;
   int32_t exportIndex = 0;
   int32_t stringLengths = 0;                 // word 12: the string length table
   std::vector<RegisterGenerator> registers;  // one per register of a record

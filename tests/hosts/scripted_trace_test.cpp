@@ -1,0 +1,202 @@
+// The walk round the ring, seen from a host: a program writes records into a ring of five
+// slots in chosen steps, and every line the control raises is compared with the text it
+// must have. Covers the first poll, records before the write slot, a burst that wraps, an
+// overrun, a counter that goes backwards, a negative counter, the row limit and the stamp
+// columns of OutputLine.
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hosts/virtual_host.h"
+#include "support/temp_dir.h"
+#include "vantrel/control.h"
+#include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
+#include "vantrel/surface.h"
+
+namespace vantrel::hosts {
+namespace {
+
+constexpr int kRing = 5;
+constexpr int kInterval = 100;
+const std::string kDashes(16, '-');
+
+struct Stamps {
+  bool date = false;
+  bool time = false;
+  bool status = false;
+  std::string name;
+};
+
+class ScriptedTrace : public ::testing::TestWithParam<Stamps> {
+ protected:
+  explicit ScriptedTrace(int32_t counterStart = 0)
+      : program(space, Config(counterStart), loop.Clock()), host(space, loop, Answering::Inside) {
+    WriteDescription(dir);
+    program.Install();
+  }
+
+  static TraceProgramConfig Config(int32_t counterStart) {
+    TraceProgramConfig c = NumberedRecords(kRing);
+    c.counterStart = counterStart;
+    return c;
+  }
+
+  // Starts reading; the program has already written what the test wants found at start.
+  void Connect() {
+    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
+    host.control = &*control;
+    control->SetResourcePath(dir.Path().string());
+    control->SetStartRegister(program.Config().startRegister);
+    control->SetDateStampCol(GetParam().date);
+    control->SetTimeStampCol(GetParam().time);
+    control->SetPCDStatusCol(GetParam().status);
+    control->SetInterval(kInterval);
+    control->SetPCDStatus(2);
+    control->Start();
+    loop.Advance(5);
+    control->SetRunMode(2);
+    loop.Advance(5);
+    ASSERT_EQ(control->ReadState(), 3) << (host.errors.empty() ? "" : host.errors.front());
+  }
+
+  // One poll of the counter area and the read of what it found.
+  void PollOnce() { loop.Advance(kInterval); }
+
+  // The lines raised since the last call.
+  std::vector<std::string> NewLines() {
+    std::vector<std::string> lines(host.lines.begin() + static_cast<long>(taken), host.lines.end());
+    taken = host.lines.size();
+    return lines;
+  }
+
+  // The line of record `n` as the control raises it: the chosen stamps, then the columns
+  // (the four-character text column shows "ok" and two blanks).
+  std::string Record(int n) const { return Prefix("Run") + " " + std::to_string(n) + "\tok  "; }
+  // Marker rows: the first data column empty (Miss) or dashed (Restart), dashes in every
+  // further column up to the last (the two data columns, then raw and comment values).
+  std::string Miss(int count) const {
+    return Prefix("Miss " + std::to_string(count)) + "\t" + kDashes + "\t" + kDashes + "\t" +
+           kDashes;
+  }
+  std::string Restart() const {
+    return Prefix("Restart") + kDashes + "\t" + kDashes + "\t" + kDashes + "\t" + kDashes;
+  }
+
+  std::string Prefix(const std::string& status) const {
+    std::string prefix;
+    if (GetParam().date) prefix += "15/11/26\t";
+    if (GetParam().time) prefix += "08:15:30\t";
+    if (GetParam().status) prefix += status + "\t";
+    return prefix;
+  }
+
+  testing::TempDir dir;
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  RegisterSpace space;
+  TraceProgram program;
+  VirtualHost host;
+  std::optional<Control> control;
+  size_t taken = 0;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST_P(ScriptedTrace, EveryStepOfTheWalkRaisesItsLines) {
+  program.WriteRecords(2);
+  Connect();
+  // First poll: the ring has not wrapped, slots 0 and 1 hold the history.
+  EXPECT_EQ(NewLines(), (Lines{Record(1), Record(2)}));
+
+  // New records before the write slot.
+  program.WriteRecords(2);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(3), Record(4)}));
+
+  // Records 5, 6, 7 go to slots 4, 0, 1: the end of the ring is read first, the start at
+  // the next poll.
+  program.WriteRecords(3);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(5)}));
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(6), Record(7)}));
+  PollOnce();
+  EXPECT_EQ(NewLines(), Lines{});
+
+  // Seven records in one interval overrun a ring that holds four unread: records 8 to 10
+  // are lost and counted, the four newest are read oldest first without the write slot.
+  program.WriteRecords(7);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Miss(3), Record(11), Record(12), Record(13), Record(14)}));
+
+  // The controller restarts its counter: the restart is marked at once and reading goes
+  // on from slot 0 at the next poll.
+  program.RestartCounter();
+  program.WriteRecords(2);
+  PollOnce();
+  EXPECT_EQ(NewLines(), Lines{Restart()});
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(15), Record(16)}));
+  program.WriteRecords(1);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(17)}));
+  EXPECT_TRUE(host.errors.empty()) << host.errors.front();
+  // Every line is also a row of the table, marker rows included.
+  EXPECT_EQ(control->Table().DataRowCount(), 16);
+  EXPECT_EQ(control->RecordCount(), 14);
+}
+
+TEST_P(ScriptedTrace, TheRowLimitDropsTheOldestRowsAndTurnsTheRowCountRed) {
+  program.WriteRecords(3);
+  Connect();
+  control->SetMaxRows(4);
+  EXPECT_EQ(control->GetSurface().rowCount.foreColor, kColorBlack);
+  program.WriteRecords(3);  // wraps: read in two polls
+  PollOnce();
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(1), Record(2), Record(3), Record(4), Record(5), Record(6)}));
+  const TableModel& table = control->Table();
+  ASSERT_EQ(table.DataRowCount(), 4);
+  // Column 4 holds the first data column whatever stamps are shown.
+  EXPECT_EQ(table.Text(1, 4), " 3");
+  EXPECT_EQ(table.Text(4, 4), " 6");
+  EXPECT_EQ(control->GetSurface().rowCount.caption, "4");
+  EXPECT_EQ(control->GetSurface().rowCount.foreColor, kColorRed);
+  EXPECT_EQ(control->GetSurface().recordCount.caption, "6");
+}
+
+// A controller that has run for long: its counter has passed 2^31 and reads negative.
+class NegativeCounter : public ScriptedTrace {
+ protected:
+  NegativeCounter() : ScriptedTrace(-20) {}
+};
+
+TEST_P(NegativeCounter, RecordsAreFoundAsWithAPositiveOne) {
+  program.WriteRecords(6);  // counters -19 .. -14: the ring has gone round
+  Connect();
+  // The first poll reads the whole ring but the write slot.
+  EXPECT_EQ(NewLines(), (Lines{Record(3), Record(4), Record(5), Record(6)}));
+  program.WriteRecords(2);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Record(7), Record(8)}));
+  program.WriteRecords(9);
+  PollOnce();
+  EXPECT_EQ(NewLines(), (Lines{Miss(5), Record(14), Record(15), Record(16), Record(17)}));
+  EXPECT_TRUE(host.errors.empty()) << host.errors.front();
+}
+
+const Stamps kStampChoices[] = {
+    {false, false, false, "NoStamps"},
+    {true, true, true, "DateTimeAndStatus"},
+    {false, true, false, "TimeOnly"},
+};
+auto StampName = [](const auto& info) { return info.param.name; };
+INSTANTIATE_TEST_SUITE_P(Stamps, ScriptedTrace, ::testing::ValuesIn(kStampChoices), StampName);
+INSTANTIATE_TEST_SUITE_P(Stamps, NegativeCounter, ::testing::ValuesIn(kStampChoices), StampName);
+
+}  // namespace
+}  // namespace vantrel::hosts

@@ -1,0 +1,99 @@
+#pragma once
+// A host for end-to-end tests: a control reading a trace program's register space, answered
+// inside the request event or one turn of the event loop later, and the description that
+// decodes its records.
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "description/cipher.h"
+#include "support/temp_dir.h"
+#include "vantrel/control.h"
+#include "vantrel/hosts/register_space.h"
+#include "vantrel/hosts/trace_program.h"
+#include "vantrel/manual_event_loop.h"
+
+namespace vantrel::hosts {
+
+// Records of two registers: the record's running number and the text "ok".
+inline TraceProgramConfig NumberedRecords(int32_t ring) {
+  TraceProgramConfig c;
+  c.key = "LIV1";
+  c.version = 1;
+  c.ringRecords = ring;
+  c.registers = {RegisterGenerator::Counter(), RegisterGenerator::Text("ok")};
+  return c;
+}
+
+// Descriptions load enciphered: write the plain text and encipher it beside itself.
+inline void WriteDescription(const testing::TempDir& dir) {
+  const std::string plain = dir.File("LIV1_live.vtl");
+  std::ofstream(plain, std::ios::binary)
+      << "[VANTREL]\r\nKey=LIV1\r\nVersion=1\r\nHeaderLenght=16\r\nCounterIndex=4\r\n"
+         "RecordLenght=2\r\n[DRIVER]\r\nTitle=Live\r\nColumnWidth=900\r\n"
+         "[REGISTER_0]\r\nLong=1,900,Number,%d\r\n[REGISTER_1]\r\nStrg=2,4,Text,%a\r\n";
+  ASSERT_EQ(EncryptDescription(plain), "Cryptage successful !");
+  std::filesystem::remove(plain);
+}
+
+enum class Answering { Inside, Later };
+
+// Answers from the register space, inside the event or from a queue that a 1 ms timer
+// empties (as a network transport would, one turn of the loop later).
+class VirtualHost : public ControlEvents {
+ public:
+  VirtualHost(RegisterSpace& space, ManualEventLoop& loop, Answering answering)
+      : space_(space), answering_(answering), courier_(loop.CreateTimer()) {
+    courier_->SetInterval(1);
+    courier_->SetTickHandler([this] { DeliverOne(); });
+    courier_->SetEnabled(true);
+  }
+
+  Control* control = nullptr;
+  std::vector<std::string> lines;
+  std::vector<std::string> errors;
+  bool silent = false;  // requests go unanswered, as with a dropped connection
+
+  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
+    Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
+  }
+  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
+    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
+  }
+  void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
+    errors.push_back(std::to_string(ErrType) + ":" + std::string(ErrMessage));
+  }
+  void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
+  void Status(int16_t) override {}
+  void PCDCmd(int16_t) override {}
+  void NewExportFile() override {}
+
+ private:
+  void Answer(std::vector<int32_t> block) {
+    if (silent) return;
+    if (answering_ == Answering::Inside) {
+      control->SetDataBlock(block);
+    } else {
+      pending_.push_back(std::move(block));
+    }
+  }
+  void DeliverOne() {
+    if (pending_.empty()) return;
+    std::vector<int32_t> block = std::move(pending_.front());
+    pending_.pop_front();
+    control->SetDataBlock(block);
+  }
+
+  RegisterSpace& space_;
+  Answering answering_;
+  std::unique_ptr<Timer> courier_;
+  std::deque<std::vector<int32_t>> pending_;
+};
+
+}  // namespace vantrel::hosts
