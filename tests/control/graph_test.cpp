@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "output/output_steps.h"
 #include "support/module_fixture.h"
 
@@ -83,6 +86,35 @@ TEST(Graph, NewestRowsWithALabelOnEveryFifthPoint) {
     EXPECT_EQ(f.m.chart.PointLabel(i).empty(), !labelled) << i;
   }
   EXPECT_EQ(f.m.chart.PointLabel(5), "205");
+}
+
+// The label step follows MaxGraph: every point up to 20, every 5th up to 100, every 10th up
+// to 500, every 20th above; the step counts row numbers, not point positions.
+TEST(Graph, LabelStepsFollowTheNumberOfPoints) {
+  struct Case {
+    int32_t maxGraph;
+    int rows;
+    int step;
+  };
+  for (const Case c : {Case{20, 5, 1}, Case{20, 43, 1}, Case{100, 300, 5}, Case{101, 250, 10},
+                       Case{500, 700, 10}, Case{501, 700, 20}}) {
+    GraphFixture f;
+    f.m.props.MaxGraph = c.maxGraph;
+    f.AddRows(c.rows);
+    ClickGraphButton(f.m);
+    ASSERT_EQ(f.m.chart.PointCount(), c.maxGraph);
+    const int start = std::max(c.rows - c.maxGraph, 0);  // row count - 1 - MaxGraph
+    int labelled = 0;
+    for (int i = 1; i <= c.maxGraph; ++i) {
+      const bool hasRow = i <= c.rows;
+      const bool expected = hasRow && (start + i) % c.step == 0;
+      const std::string label = f.m.chart.PointLabel(i);
+      EXPECT_EQ(label, expected ? std::to_string(start + i) : "")
+          << "MaxGraph " << c.maxGraph << ", point " << i;
+      labelled += expected ? 1 : 0;
+    }
+    EXPECT_GT(labelled, 0);
+  }
 }
 
 TEST(Graph, RowsAddedWhileShownRefreshTheGraph) {

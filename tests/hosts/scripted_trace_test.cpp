@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -167,6 +168,45 @@ TEST_P(ScriptedTrace, TheRowLimitDropsTheOldestRowsAndTurnsTheRowCountRed) {
   EXPECT_EQ(control->GetSurface().rowCount.caption, "4");
   EXPECT_EQ(control->GetSurface().rowCount.foreColor, kColorRed);
   EXPECT_EQ(control->GetSurface().recordCount.caption, "6");
+}
+
+TEST_P(ScriptedTrace, AStandingShutDownCommandIsNotRunAgainButANewOneIs) {
+  program.SetCommand(9);  // left standing from before the control started
+  program.WriteRecords(1);
+  Connect();
+  PollOnce();
+  EXPECT_TRUE(prompts.Notices().empty());
+  EXPECT_TRUE(host.commands.empty());
+
+  program.SetCommand(0);
+  PollOnce();
+  program.SetCommand(9);
+  PollOnce();
+  PollOnce();
+  ASSERT_EQ(prompts.Notices().size(), 1u);
+  EXPECT_EQ(prompts.Notices()[0].message, "Vantrel Application will shut down...");
+  EXPECT_EQ(prompts.Notices()[0].durationMs, 3000);
+  EXPECT_EQ(host.commands, std::vector<int16_t>{9});
+  // Reading went on around the command.
+  EXPECT_EQ(NewLines(), Lines{Record(1)});
+}
+
+TEST_P(ScriptedTrace, TheExportCommandWritesTheTableAndSaysWhere) {
+  program.WriteRecords(3);
+  Connect();
+  const std::string target = dir.File("commanded.xls");
+  control->SetExportFile(target);
+  program.SetCommand(8);
+  PollOnce();
+  EXPECT_TRUE(std::filesystem::exists(target));
+  EXPECT_EQ(control->Table().DataRowCount(), 0) << "the exported rows leave the table";
+  ASSERT_EQ(prompts.Messages().size(), 1u);
+  EXPECT_EQ(prompts.Messages()[0].text, "Successful export to file : " + target);
+  EXPECT_EQ(prompts.Messages()[0].title, "Vantrel exportation");
+  // Rows keep coming after the export.
+  program.WriteRecords(1);
+  PollOnce();
+  EXPECT_EQ(control->Table().DataRowCount(), 1);
 }
 
 // A controller that has run for long: its counter has passed 2^31 and reads negative.

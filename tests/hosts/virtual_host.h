@@ -58,7 +58,8 @@ class VirtualHost : public ControlEvents {
   Control* control = nullptr;
   std::vector<std::string> lines;
   std::vector<std::string> errors;
-  bool silent = false;  // requests go unanswered, as with a dropped connection
+  std::vector<int16_t> commands;  // PCDCmd raised
+  bool silent = false;            // requests go unanswered, as with a dropped connection
 
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
@@ -71,7 +72,7 @@ class VirtualHost : public ControlEvents {
   }
   void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
   void Status(int16_t) override {}
-  void PCDCmd(int16_t) override {}
+  void PCDCmd(int16_t command) override { commands.push_back(command); }
   void NewExportFile() override {}
 
  private:
