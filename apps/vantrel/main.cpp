@@ -4,6 +4,7 @@
 
 #include "check_command.h"
 #include "crypt_command.h"
+#include "modbus_options.h"
 #include "run_command.h"
 
 int main(int argc, char** argv) {
@@ -15,7 +16,8 @@ int main(int argc, char** argv) {
       app.add_subcommand("run", "Read a controller's trace and print each record as a row");
   runCommand
       ->add_option("--controller", run.controller,
-                   "Controller to read: 'sim' (the embedded virtual controller)")
+                   "Controller to read: 'sim' (the embedded virtual controller) or "
+                   "modbus://HOST:PORT")
       ->capture_default_str();
   runCommand->add_option("--properties", run.propertiesFile,
                          "Load the control's settings from this Name=Value file");
@@ -44,11 +46,14 @@ int main(int argc, char** argv) {
       ->check(CLI::NonNegativeNumber);
   runCommand->add_option("--duration", run.durationSeconds, "Stop after this many seconds")
       ->check(CLI::NonNegativeNumber);
+  runCommand->add_option("--program", run.programFile,
+                         "The embedded controller's trace program (INI file)");
   runCommand
       ->add_option("--record-interval", run.recordIntervalMs,
-                   "Milliseconds between records of the embedded controller")
-      ->check(CLI::Range(1, 3'600'000))
-      ->capture_default_str();
+                   "Milliseconds between records of the embedded controller (default: the "
+                   "program's)")
+      ->check(CLI::Range(1, 3'600'000));
+  vantrel::cli::AddModbusOptions(*runCommand, run.modbus);
   runCommand->add_option("--events", run.eventsFile,
                          "Write every event as a JSON line to this file ('-' for stdout)");
   auto* yes = runCommand->add_flag("--yes", run.yes, "Answer Yes when asked to search a file");

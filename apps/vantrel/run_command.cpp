@@ -3,13 +3,17 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "console_prompts.h"
+#include "controller_links.h"
 #include "event_log.h"
 #include "vantrel/control.h"
+#include "vantrel/hosts/embedded_controller.h"
+#include "vantrel/hosts/program_file.h"
 #include "vantrel/hosts/pump_station.h"
-#include "vantrel/hosts/register_space.h"
 #include "vantrel/poll_event_loop.h"
 
 namespace vantrel::cli {
@@ -24,23 +28,24 @@ extern "C" void OnStopSignal(int) {
 
 class RunHost : public ControlEvents {
  public:
-  RunHost(PollEventLoop& loop, hosts::RegisterSpace& space, EventLog& log, int64_t rowLimit)
-      : loop_(loop), space_(space), log_(log), rowLimit_(rowLimit) {}
+  RunHost(PollEventLoop& loop, EventLog& log, int64_t rowLimit)
+      : loop_(loop), log_(log), rowLimit_(rowLimit) {}
 
   Control* control = nullptr;
+  hosts::ControllerLink* link = nullptr;
   bool failed = false;
   bool printHeader = true;
 
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     log_.Write("ReadPCDReg", "\"RegisterNumber\":" + std::to_string(RegisterNumber) +
                                  ",\"NumberToRead\":" + std::to_string(NumberToRead));
-    Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
+    link->ReadRegisters(RegisterNumber, NumberToRead);
   }
   void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
     log_.Write("ReadPCDDB", "\"DBNumber\":" + std::to_string(DBNumber) +
                                 ",\"DBOffset\":" + std::to_string(DBOffset) +
                                 ",\"NumberToRead\":" + std::to_string(NumberToRead));
-    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
+    link->ReadDataBlock(DBNumber, DBOffset, NumberToRead);
   }
   void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
     log_.Write("ModulError", "\"ErrType\":" + std::to_string(ErrType) +
@@ -94,13 +99,7 @@ class RunHost : public ControlEvents {
     std::printf("%s\n", Printable(line).c_str());
   }
 
-  // The answer arrives on the next turn of the loop, as it would from a transport.
-  void Answer(std::vector<int32_t> block) {
-    loop_.Post([this, block = std::move(block)] { control->SetDataBlock(block); });
-  }
-
   PollEventLoop& loop_;
-  hosts::RegisterSpace& space_;
   EventLog& log_;
   int64_t rowLimit_;
   int64_t rows_ = 0;
@@ -112,7 +111,8 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   if (o.resourcePath) {
     control.SetResourcePath(*o.resourcePath);
   } else if (o.propertiesFile.empty()) {
-    // The embedded controller runs the bundled example: find its description there.
+    // The bundled example's description is found there, whichever way its controller is
+    // reached (`vantrel controller` runs the same program).
     control.SetResourcePath(VANTREL_EXAMPLES_DIR);
     if (!o.symbols) control.SetSymbFile(VANTREL_EXAMPLES_DIR "/pumps_symbols.sym");
   }
@@ -130,11 +130,28 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   if (o.simulation) control.SetSimulation(true);
 }
 
+// The embedded controller's program: the bundled pump station unless a file names another.
+std::optional<hosts::ProgramFile> EmbeddedProgram(const RunOptions& o) {
+  hosts::ProgramFile program{hosts::PumpStationProgram(), 100};
+  if (o.programFile) {
+    std::string error;
+    auto file = hosts::ReadProgramFile(*o.programFile, error);
+    if (!file) {
+      std::fprintf(stderr, "vantrel run: %s\n", error.c_str());
+      return std::nullopt;
+    }
+    program = std::move(*file);
+  }
+  if (o.recordIntervalMs) program.recordIntervalMs = *o.recordIntervalMs;
+  return program;
+}
+
 }  // namespace
 
 int Run(const RunOptions& o) {
-  if (o.controller != "sim") {
-    std::fprintf(stderr, "vantrel run: unknown controller '%s' (only 'sim' is available)\n",
+  const bool embedded = o.controller == "sim";
+  if (!embedded && o.controller.rfind("modbus://", 0) != 0) {
+    std::fprintf(stderr, "vantrel run: unknown controller '%s' (use sim or modbus://HOST:PORT)\n",
                  o.controller.c_str());
     return 2;
   }
@@ -149,17 +166,35 @@ int Run(const RunOptions& o) {
   prompts.answer = o.yes ? MessageResult::Yes : MessageResult::No;
   prompts.chosenFile = o.choose;
 
-  hosts::RegisterSpace space;
-  hosts::TraceProgram program(space, hosts::PumpStationProgram(), clock);
-  program.Install();
-  auto recordTimer = loop.CreateTimer();
-  recordTimer->SetInterval(o.recordIntervalMs);
-  recordTimer->SetTickHandler([&] { program.WriteRecords(1); });
-  recordTimer->SetEnabled(true);
-
-  RunHost host(loop, space, log, o.records);
+  RunHost host(loop, log, o.records);
   Control control(host, {loop, clock, prompts});
   host.control = &control;
+
+  hosts::LinkHandlers handlers;
+  handlers.answer = [&control](std::vector<int32_t> words) { control.SetDataBlock(words); };
+  // A transport that loses its controller says so through the controller status.
+  handlers.connection = [&control](bool connected) { control.SetPCDStatus(connected ? 2 : 1); };
+  handlers.error = [](const std::string& message) {
+    std::fprintf(stderr, "vantrel run: %s\n", message.c_str());
+  };
+  std::unique_ptr<hosts::ControllerLink> link;
+  int16_t defaultStartRegister = hosts::TraceProgramConfig{}.startRegister;
+  if (embedded) {
+    auto program = EmbeddedProgram(o);
+    if (!program) return 2;
+    defaultStartRegister = program->program.startRegister;
+    link = std::make_unique<hosts::EmbeddedController>(
+        loop, clock, [&loop](std::function<void()> task) { loop.Post(std::move(task)); },
+        std::move(*program), std::move(handlers));
+  } else {
+    std::string error;
+    link = OpenModbusLink(o.controller, o.modbus, loop, std::move(handlers), error);
+    if (!link) {
+      std::fprintf(stderr, "vantrel run: %s\n", error.c_str());
+      return 2;
+    }
+  }
+  host.link = link.get();
   if (!o.propertiesFile.empty()) {
     FilePropertyBag bag;
     if (!bag.Load(o.propertiesFile)) {
@@ -174,13 +209,13 @@ int Run(const RunOptions& o) {
   } else {
     control.InitProperties();
   }
-  ApplyOptions(control, o, program.Config().startRegister);
+  ApplyOptions(control, o, defaultStartRegister);
 
   signalledLoop = &loop;
   std::signal(SIGINT, OnStopSignal);
   std::signal(SIGTERM, OnStopSignal);
-  // The embedded controller is running from the start.
-  control.SetPCDStatus(2);
+  // The embedded controller is running from the start; a remote one once it answers.
+  control.SetPCDStatus(embedded ? 2 : 1);
   control.Start();
   if (o.durationSeconds > 0) {
     loop.RunFor(std::chrono::milliseconds(static_cast<int64_t>(o.durationSeconds * 1000)));

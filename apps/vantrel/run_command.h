@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "modbus_options.h"
+
 namespace vantrel::cli {
 
 struct RunOptions {
@@ -25,9 +27,13 @@ struct RunOptions {
   std::optional<int16_t> indexFile;
   bool autoExport = false;
   bool exportOnExit = false;
-  int64_t records = 0;             // stop after this many rows; 0 runs on
-  double durationSeconds = 0;      // stop after this long; 0 runs on
-  int32_t recordIntervalMs = 100;  // how often the embedded controller writes a record
+  int64_t records = 0;         // stop after this many rows; 0 runs on
+  double durationSeconds = 0;  // stop after this long; 0 runs on
+  // The embedded controller's program file and how often it writes a record (default: the
+  // program's own interval).
+  std::optional<std::string> programFile;
+  std::optional<int32_t> recordIntervalMs;
+  ModbusOptions modbus;
   std::string eventsFile;
   bool yes = false;
   std::optional<std::string> choose;
