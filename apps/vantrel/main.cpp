@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "check_command.h"
+#include "controller_command.h"
 #include "crypt_command.h"
 #include "modbus_options.h"
 #include "run_command.h"
@@ -80,6 +81,11 @@ int main(int argc, char** argv) {
                            "Comma-separated directories searched for value-text files");
   checkCommand->add_flag("--json", check.json, "Print one JSON object");
 
+#ifdef VANTREL_WITH_MODBUS
+  vantrel::cli::ControllerOptions controller;
+  CLI::App* controllerCommand = vantrel::cli::AddControllerCommand(app, controller);
+#endif
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -89,5 +95,8 @@ int main(int argc, char** argv) {
   if (runCommand->parsed()) return vantrel::cli::Run(run);
   if (cryptCommand->parsed()) return vantrel::cli::Crypt(cryptFiles);
   if (checkCommand->parsed()) return vantrel::cli::Check(check);
+#ifdef VANTREL_WITH_MODBUS
+  if (controllerCommand->parsed()) return vantrel::cli::RunController(controller);
+#endif
   return 2;
 }
