@@ -29,6 +29,9 @@ echo "== benchmarks build (run them by hand, see bench/README.md)"
 # std::string code at -O3 (fixed in GCC 13), which would fail this warnings-as-errors build.
 build build/ci-bench -DVANTREL_BUILD_BENCH=ON -DVANTREL_BUILD_TESTS=OFF -DVANTREL_BUILD_APPS=OFF
 
+echo "== fuzz targets, a short run each (scripts/fuzz.sh SECONDS for a long one)"
+bash scripts/fuzz.sh 15
+
 echo "== formatting"
 git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 
