@@ -1,0 +1,225 @@
+// Fault soak: a controller program writes records at a varying rate while faults are forced
+// at random (bursts that overrun the ring, counter restarts, a paused program, a host that
+// stops answering for a while, answers that come late), and every record written must be
+// shown exactly once, in order, or counted in a "Miss " row. Simulated time runs as fast as
+// the machine allows, for a wall-clock budget: a few seconds by default (CI), longer with
+// VANTREL_SOAK_SECONDS=600.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <deque>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "hosts/virtual_host.h"
+#include "support/temp_dir.h"
+#include "vantrel/control.h"
+#include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
+
+namespace vantrel::hosts {
+namespace {
+
+// What a reader cannot notice is kept out of the soak: records overwritten between its read
+// of the counters and its read of the records. So the ring holds more than the program writes
+// while an ordinary read is under way, however late the answer; a burst beyond the ring comes
+// only between reads, and the program then holds still until the whole ring has been read
+// (the next record would overwrite the oldest slot, which that read fetches first).
+constexpr int kRing = 200;
+constexpr int kInterval = 50;  // ms between polls
+
+// A transport with faults: answers come after a delay, only the answer to the newest
+// request is delivered (as a real client drops superseded ones), and while the link is down
+// requests are lost.
+class FaultyHost : public ControlEvents {
+ public:
+  FaultyHost(RegisterSpace& space, ManualEventLoop& loop) : space_(space), loop_(loop) {}
+
+  Control* control = nullptr;
+  std::vector<std::string> lines;
+  std::vector<std::string> errors;
+  bool down = false;
+  int delayMs = 0;
+
+  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
+    ++generation_;
+    if (down) return;
+    // The words are those the controller holds when the request arrives.
+    pending_ = Pending{generation_, loop_.ElapsedMs() + delayMs,
+                       space_.ReadRegisters(RegisterNumber, NumberToRead)};
+  }
+  void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
+    errors.push_back(std::to_string(ErrType) + ":" + std::string(ErrMessage));
+  }
+  void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
+
+  // No read under way: nothing has been taken from the registers that is still to come.
+  bool Idle() const { return !pending_; }
+
+  // Called every simulated millisecond.
+  void Deliver() {
+    if (!pending_ || pending_->at > loop_.ElapsedMs()) return;
+    const Pending p = std::move(*pending_);
+    pending_.reset();
+    if (p.generation == generation_ && !down) control->SetDataBlock(p.words);
+  }
+
+ private:
+  struct Pending {
+    uint64_t generation;
+    int64_t at;
+    std::vector<int32_t> words;
+  };
+  RegisterSpace& space_;
+  ManualEventLoop& loop_;
+  uint64_t generation_ = 0;
+  std::optional<Pending> pending_;
+};
+
+struct Totals {
+  int64_t written = 0;
+  int64_t shown = 0;
+  int64_t missed = 0;
+  int restarts = 0;
+  int overruns = 0;
+  int outages = 0;
+  int oldestShownAfterMiss = 0;
+};
+
+double BudgetSeconds() {
+  const char* text = std::getenv("VANTREL_SOAK_SECONDS");
+  return text != nullptr ? std::atof(text) : 3.0;
+}
+
+TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
+  testing::TempDir dir;
+  WriteDescription(dir);
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  RegisterSpace space;
+  TraceProgram program(space, NumberedRecords(kRing), loop.Clock());
+  program.Install();
+  FaultyHost host(space, loop);
+  Control control(host, {loop, loop.Clock(), prompts});
+  host.control = &control;
+  control.SetResourcePath(dir.Path().string());
+  control.SetStartRegister(program.Config().startRegister);
+  control.SetPCDStatusCol(true);
+  control.SetMaxRows(1000);
+  control.SetInterval(kInterval);
+  control.SetPCDStatus(2);
+  control.Start();
+  auto step = [&](int ms) {
+    for (int i = 0; i < ms; ++i) {
+      loop.Advance(1);
+      host.Deliver();
+    }
+  };
+  step(20);
+  control.SetRunMode(2);
+  step(100);
+  ASSERT_EQ(control.ReadState(), 3);
+
+  std::mt19937 random(20261123);
+  auto chance = [&](int percent) { return static_cast<int>(random() % 100) < percent; };
+  Totals totals;
+  int64_t expectedNext = 1;  // the record number the next shown row must carry
+  size_t seen = 0;
+  bool afterMiss = false;
+  bool broken = false;
+  // Reads the new lines: every record in order, gaps only where a Miss row counts them.
+  auto account = [&] {
+    for (; seen < host.lines.size() && !broken; ++seen) {
+      const std::string& line = host.lines[seen];
+      const std::string status = line.substr(0, line.find('\t'));
+      if (status.rfind("Miss ", 0) == 0) {
+        const int64_t count = std::stoll(status.substr(5));
+        totals.missed += count;
+        expectedNext += count;
+        afterMiss = true;
+        continue;
+      }
+      if (status == "Restart") continue;
+      const std::string rest = line.substr(line.find('\t') + 1);
+      const int64_t number = std::stoll(rest.substr(0, rest.find('\t')));
+      // When the write index stands at slot 0, the reload after an overrun reads every slot,
+      // the write slot too: the oldest record, counted in the Miss row, is shown as well.
+      if (afterMiss && number == expectedNext - 1) {
+        --totals.missed;
+        --expectedNext;
+        ++totals.oldestShownAfterMiss;
+      }
+      afterMiss = false;
+      if (number != expectedNext) {
+        ADD_FAILURE() << "record " << number << " shown where " << expectedNext << " was due (line "
+                      << seen << ": " << line << ")";
+        broken = true;
+        return;
+      }
+      ++expectedNext;
+      ++totals.shown;
+    }
+  };
+  auto caughtUp = [&] { return totals.shown + totals.missed == program.RecordsWritten(); };
+
+  bool holding = false;  // after an overrun, until the reader has caught up
+  const auto start = std::chrono::steady_clock::now();
+  const auto budget = std::chrono::duration<double>(BudgetSeconds());
+  while (std::chrono::steady_clock::now() - start < budget && !broken) {
+    // The program's own pace: a few records per poll, sometimes a burst beyond the ring.
+    if (holding && caughtUp()) holding = false;
+    const bool betweenReads = control.ReadState() == 3 && host.Idle();
+    if (holding) {
+      // nothing written
+    } else if (chance(3) && betweenReads) {
+      holding = true;
+      program.WriteRecords(kRing + static_cast<int>(random() % (3 * kRing)));
+      ++totals.overruns;
+    } else {
+      program.WriteRecords(static_cast<int>(random() % 4));
+    }
+    if (chance(2)) program.SetPaused(!chance(50));
+    host.delayMs = chance(10) ? static_cast<int>(random() % 400) : static_cast<int>(random() % 5);
+    if (chance(2)) {
+      // The link goes down for up to a second.
+      host.down = true;
+      step(static_cast<int>(100 + random() % 900));
+      host.down = false;
+      ++totals.outages;
+    }
+    step(kInterval);
+    account();
+    // A restart loses what the control has not read yet, and nothing could count it: the
+    // program restarts only once the control has caught up, between two reads.
+    if (chance(2) && caughtUp() && control.ReadState() == 3 && host.Idle()) {
+      program.RestartCounter();
+      ++totals.restarts;
+    }
+  }
+  // No more faults: the control catches up with everything written.
+  program.SetPaused(false);
+  host.delayMs = 0;
+  for (int i = 0; i < 200 && !caughtUp() && !broken; ++i) {
+    step(kInterval);
+    account();
+  }
+  totals.written = program.RecordsWritten();
+  std::printf(
+      "soak: %lld written, %lld shown, %lld counted missing, %d overruns, %d restarts, "
+      "%d outages (%d reloads showed the oldest record too)\n",
+      static_cast<long long>(totals.written), static_cast<long long>(totals.shown),
+      static_cast<long long>(totals.missed), totals.overruns, totals.restarts, totals.outages,
+      totals.oldestShownAfterMiss);
+  EXPECT_EQ(totals.shown + totals.missed, totals.written) << "records unaccounted for";
+  EXPECT_GT(totals.overruns, 0);
+  EXPECT_GT(totals.restarts, 0);
+  EXPECT_GT(totals.outages, 0);
+  EXPECT_TRUE(host.errors.empty()) << host.errors.front();
+}
+
+}  // namespace
+}  // namespace vantrel::hosts
