@@ -84,6 +84,9 @@ class Control {
   void SetAutoExport(bool value);
   int16_t IndexFile() const;
   void SetIndexFile(int16_t value);
+  // 0 the Excel 2.x file, 1 an .xlsx workbook (needs ControlServices::xlsx), 2 a CSV file.
+  int16_t ExportFormat() const;
+  void SetExportFormat(int16_t value);
   const std::string& SelColumn() const;
   void SetSelColumn(std::string value);
   bool Simulation() const;

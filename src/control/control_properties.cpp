@@ -204,6 +204,13 @@ void Control::SetIndexFile(int16_t value) {
   SetWhileEnabled(*module_, "IndexFile", module_->props.IndexFile, value);
 }
 
+int16_t Control::ExportFormat() const {
+  return module_->props.ExportFormat;
+}
+void Control::SetExportFormat(int16_t value) {
+  SetWhileEnabled(*module_, "ExportFormat", module_->props.ExportFormat, value);
+}
+
 const std::string& Control::SelColumn() const {
   return module_->props.SelColumn;
 }

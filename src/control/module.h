@@ -56,6 +56,8 @@ struct PropertyFields {
   bool AutoExport = false;
   int16_t IndexFile = 0;
   std::string SelColumn;
+  // 0 the Excel 2.x file, 1 an .xlsx workbook, 2 a CSV file.
+  int16_t ExportFormat = 0;
 };
 
 // The PC date and time texts of the last decoded record, kept for the second they show.

@@ -38,6 +38,7 @@ void ForEachPersisted(PropertyFields& p, Visitor&& visit) {
   visit("AutoExport", p.AutoExport, false);
   visit("IndexFile", p.IndexFile, int16_t{0});
   visit("SelColumn", p.SelColumn, std::string());
+  visit("ExportFormat", p.ExportFormat, int16_t{0});
 }
 
 PropertyValue ToValue(bool v) {
