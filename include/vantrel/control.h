@@ -15,6 +15,7 @@
 #include "vantrel/prompts.h"
 #include "vantrel/property_bag.h"
 #include "vantrel/surface.h"
+#include "vantrel/table_export.h"
 #include "vantrel/table_model.h"
 #include "vantrel/timer.h"
 
@@ -40,6 +41,9 @@ struct ControlServices {
   // directory exports go to when no export file is set.
   std::string ownDirectory = ".";
   std::string currentDirectory = ".";
+  // The writer of .xlsx exports (ExportFormat 1), e.g. vantrel::XlsxExporter of the
+  // vantrel_xlsx library; without one such an export fails with a message.
+  TableExporter* xlsx = nullptr;
 };
 
 class Control {

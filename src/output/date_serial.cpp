@@ -1,6 +1,7 @@
 #include "output/date_serial.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 
 namespace vantrel {
@@ -14,6 +15,19 @@ int64_t DaysFromCivil(int64_t y, int64_t m, int64_t d) {
   const int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
   const int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
   return era * 146097 + doe - 719468;
+}
+
+// The proleptic Gregorian date `days` after 1 January 1970.
+void CivilFromDays(int64_t days, int& year, int& month, int& day) {
+  days += 719468;
+  const int64_t era = (days >= 0 ? days : days - 146096) / 146097;
+  const int64_t doe = days - era * 146097;
+  const int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const int64_t mp = (5 * doy + 2) / 153;
+  day = static_cast<int>(doy - (153 * mp + 2) / 5 + 1);
+  month = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
+  year = static_cast<int>(yoe + era * 400 + (month <= 2 ? 1 : 0));
 }
 
 // 30 December 1899 counted from 1 January 1970.
@@ -93,6 +107,22 @@ std::optional<double> DateSerialFromText(std::string_view text) {
   const auto time = TimePart(Trimmed(text.substr(blank)));
   if (!date || !time) return std::nullopt;
   return *date + *time;
+}
+
+DateTime DateTimeFromSerial(double serial) {
+  int64_t days = static_cast<int64_t>(std::floor(serial));
+  int64_t seconds = std::llround((serial - static_cast<double>(days)) * 86400.0);
+  if (seconds >= 86400) {
+    ++days;
+    seconds -= 86400;
+  }
+  DateTime when;
+  CivilFromDays(days + kSerialEpoch, when.year, when.month, when.day);
+  when.hour = static_cast<int>(seconds / 3600);
+  when.minute = static_cast<int>(seconds / 60 % 60);
+  when.second = static_cast<int>(seconds % 60);
+  when.millisecond = 0;
+  return when;
 }
 
 }  // namespace vantrel

@@ -18,4 +18,7 @@ double DateSerial(const DateTime& when);
 // fraction of day 0. Nothing when the text is not a valid date or time.
 std::optional<double> DateSerialFromText(std::string_view text);
 
+// The date and time of a serial number, to the nearest second.
+DateTime DateTimeFromSerial(double serial);
+
 }  // namespace vantrel

@@ -4,4 +4,6 @@ target_sources(vantrel PRIVATE
   output/date_serial.cpp
   output/excel_file.cpp
   output/export_naming.cpp
-  output/trace_export.cpp)
+  output/trace_export.cpp
+  output/csv_export.cpp
+  output/table_export.cpp)

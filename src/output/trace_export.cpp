@@ -10,6 +10,7 @@
 
 #include "control/clear.h"
 #include "description/profile_file.h"
+#include "output/csv_export.h"
 #include "output/date_serial.h"
 #include "output/excel_file.h"
 #include "output/export_naming.h"
@@ -18,6 +19,7 @@
 #include "platform/paths.h"
 #include "platform/runtime_error.h"
 #include "platform/text.h"
+#include "vantrel/table_export.h"
 
 namespace vantrel {
 namespace {
@@ -26,6 +28,20 @@ constexpr int16_t kFormatGeneral = 0;
 constexpr int16_t kFormatDate = 12;
 constexpr int16_t kFormatTime = 19;
 constexpr int16_t kFormatDateTime = 20;
+
+constexpr int16_t kExportXlsx = 1;
+constexpr int16_t kExportCsv = 2;
+
+std::string_view DefaultExportName(int16_t format) {
+  switch (format) {
+    case kExportXlsx:
+      return "Vantrel.xlsx";
+    case kExportCsv:
+      return "Vantrel.csv";
+    default:
+      return kDefaultExportName;
+  }
+}
 
 enum class CellKind { General, Text, Date };
 
@@ -51,6 +67,20 @@ ColumnType TypeOfColumn(const Module& m, int column) {
   if (second == 'd') return {CellKind::Date, kFormatDate};
   if (second == 'h') return {CellKind::Date, kFormatTime};
   return {CellKind::Date, kFormatDateTime};
+}
+
+ExportCellKind KindOfColumn(const Module& m, int column) {
+  const ColumnType type = TypeOfColumn(m, column);
+  if (type.kind == CellKind::Text) return ExportCellKind::Text;
+  if (type.kind == CellKind::General) return ExportCellKind::General;
+  return type.format == kFormatDate   ? ExportCellKind::Date
+         : type.format == kFormatTime ? ExportCellKind::Time
+                                      : ExportCellKind::DateTime;
+}
+
+std::string FieldTypeName(int16_t type) {
+  static constexpr const char* kNames[] = {"", "Bit", "Nible", "Byte", "Word", "Long", "Strg"};
+  return type >= 1 && type <= 6 ? kNames[type] : std::to_string(type);
 }
 
 int16_t Cell16(int value) {
@@ -114,6 +144,61 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
   }
 }
 
+// The table columns an export takes: the selected (yellow) ones, or else every shown one.
+std::vector<int> ExportedColumns(const Module& m) {
+  std::vector<int> columns;
+  const int last = m.grid.ColumnCount() - 3;
+  for (int column = 1; column <= last; ++column) {
+    if (m.grid.HeaderBackColor(column) == kColorYellow) columns.push_back(column);
+  }
+  if (!columns.empty()) return columns;
+  for (int column = 1; column <= last; ++column) {
+    if ((column == 1 && !m.props.DateStampCol) || (column == 2 && !m.props.TimeStampCol) ||
+        (column == 3 && !m.props.PCDStatusCol)) {
+      continue;
+    }
+    columns.push_back(column);
+  }
+  return columns;
+}
+
+ExportSource SourceOf(const Module& m) {
+  ExportSource source;
+  source.table = &m.grid;
+  source.decimalSeparator = m.decimalSeparator;
+  source.title = m.description.Title;
+  source.key = m.description.HeaderKeyText;
+  source.version = m.description.DescVersion;
+  for (const int column : ExportedColumns(m)) {
+    ExportColumn c;
+    c.gridColumn = column;
+    c.caption = std::string(m.grid.Text(0, column));
+    c.widthTwips = m.grid.ColumnWidth(column);
+    c.kind = KindOfColumn(m, column);
+    const int32_t definition = column > 3 ? m.grid.ColumnData(column) : -1;
+    if (definition >= 0 && definition < static_cast<int32_t>(m.description.Columns.size())) {
+      const ColumnDef& d = m.description.Columns[static_cast<size_t>(definition)];
+      c.traceColumn = true;
+      c.registerIndex = d.RegisterIndex;
+      c.fieldType = FieldTypeName(d.FieldType);
+      c.position = d.Position;
+      c.displayCode = d.DisplayCode;
+    }
+    source.columns.push_back(std::move(c));
+  }
+  return source;
+}
+
+// Writes the table in a format beside the Excel 2.x file; returns how many columns.
+int16_t WriteWithExporter(Module& m, TableExporter* exporter, const std::string& target) {
+  if (exporter == nullptr) throw RuntimeError(75, "XLSX export is not available in this host");
+  const ExportSource source = SourceOf(m);
+  if (source.columns.empty()) return 0;
+  std::string error;
+  if (!exporter->Export(source, target, error)) throw RuntimeError(75, error);
+  return static_cast<int16_t>(source.columns.size());
+}
+
 // Writes the selected columns, or else every shown column; returns how many were written.
 int16_t WriteColumns(Module& m, ExcelFile& writer) {
   int16_t counter = 0;
@@ -163,26 +248,35 @@ void ExportExcelFile(Module& m) {
                                      MessageIcon::Information, MessageButtons::Ok);
       return;
     }
-    p.ExportFile = AddTrailingSeparator(m.services.currentDirectory) + "Vantrel.xls";
+    p.ExportFile = AddTrailingSeparator(m.services.currentDirectory) +
+                   std::string(DefaultExportName(p.ExportFormat));
   }
   SetBusy(m, true);
   std::string target;
   if (!m.excel) m.excel = std::make_unique<ExcelFile>(m.services.prompts);
   ExcelFile& writer = *m.excel;
   try {
-    p.ExportFile = WithDefaultExportName(p.ExportFile);
+    p.ExportFile = WithDefaultExportName(p.ExportFile, DefaultExportName(p.ExportFormat));
     target =
         ExportTargetName(p.ExportFile, p.IndexFile, m.services.clock.Now(), m.buffer.ExportIndex);
     if (p.IndexFile == 0) CheckWritable(target);
     m.events.NewExportFile();
 
     m.grid.SetRedraw(false);
-    writer.OpenFile(target);
-    // The writer has shown why it could not open the file; the table must not be lost.
-    if (!writer.IsOpen()) throw RuntimeError::PathFileAccess();
-    writer.SetDefaultRowHeight(14);
-    const int16_t written = WriteColumns(m, writer);
-    writer.CloseFile();
+    int16_t written = 0;
+    if (p.ExportFormat == kExportXlsx) {
+      written = WriteWithExporter(m, m.services.xlsx, target);
+    } else if (p.ExportFormat == kExportCsv) {
+      CsvExporter csv;
+      written = WriteWithExporter(m, &csv, target);
+    } else {
+      writer.OpenFile(target);
+      // The writer has shown why it could not open the file; the table must not be lost.
+      if (!writer.IsOpen()) throw RuntimeError::PathFileAccess();
+      writer.SetDefaultRowHeight(14);
+      written = WriteColumns(m, writer);
+      writer.CloseFile();
+    }
 
     m.grid.SetRedraw(true);
     SetBusy(m, false);
