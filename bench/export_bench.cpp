@@ -18,6 +18,7 @@
 #include "platform/numbers.h"
 #include "vantrel/manual_event_loop.h"
 #include "vantrel/scripted_prompts.h"
+#include "vantrel/xlsx_exporter.h"
 
 namespace vantrel {
 namespace {
@@ -75,9 +76,13 @@ FilledTable& Table() {
   return table;
 }
 
-void BM_ExportExcel2(benchmark::State& state) {
+// The control's export in `format` (0 Excel 2.x, 1 .xlsx, 2 CSV) of the whole table.
+void ExportInFormat(benchmark::State& state, int16_t format, const char* name) {
   FilledTable& t = Table();
-  t.m.props.ExportFile = TempFile("vantrel-bench.xls");
+  XlsxExporter xlsx;
+  t.m.services.xlsx = &xlsx;
+  t.m.props.ExportFormat = format;
+  t.m.props.ExportFile = TempFile(name);
   for (auto _ : state) {
     state.PauseTiming();
     std::filesystem::remove(t.m.props.ExportFile);
@@ -90,6 +95,18 @@ void BM_ExportExcel2(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<int64_t>(bytes) * state.iterations());
   state.SetItemsProcessed(int64_t{kRows} * state.iterations());
   state.counters["file_MB"] = static_cast<double>(bytes) / 1e6;
+  t.m.props.ExportFormat = 0;
+  t.m.services.xlsx = nullptr;
+}
+
+void BM_ExportExcel2(benchmark::State& state) {
+  ExportInFormat(state, 0, "vantrel-bench.xls");
+}
+void BM_ExportXlsx(benchmark::State& state) {
+  ExportInFormat(state, 1, "vantrel-bench.xlsx");
+}
+void BM_ExportCsv(benchmark::State& state) {
+  ExportInFormat(state, 2, "vantrel-bench.csv");
 }
 
 // The same cells, typed the same way, written by libxlsxwriter.
@@ -158,6 +175,8 @@ void BM_BufferedWriteOfTheSameBytes(benchmark::State& state) {
 }
 
 BENCHMARK(BM_ExportExcel2)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportXlsx)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportCsv)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_XlsxConstantMemory)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BufferedWriteOfTheSameBytes)->Unit(benchmark::kMillisecond);
 

@@ -15,6 +15,7 @@
 #include "vantrel/hosts/program_file.h"
 #include "vantrel/hosts/pump_station.h"
 #include "vantrel/poll_event_loop.h"
+#include "vantrel/xlsx_exporter.h"
 
 namespace vantrel::cli {
 namespace {
@@ -127,6 +128,9 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   if (o.exportFile) control.SetExportFile(*o.exportFile);
   if (o.indexFile) control.SetIndexFile(*o.indexFile);
   if (o.autoExport) control.SetAutoExport(true);
+  if (o.exportFormat) {
+    control.SetExportFormat(*o.exportFormat == "xlsx" ? 1 : *o.exportFormat == "csv" ? 2 : 0);
+  }
   if (o.simulation) control.SetSimulation(true);
 }
 
@@ -167,7 +171,10 @@ int Run(const RunOptions& o) {
   prompts.chosenFile = o.choose;
 
   RunHost host(loop, log, o.records);
-  Control control(host, {loop, clock, prompts});
+  XlsxExporter xlsx;
+  ControlServices services{loop, clock, prompts};
+  services.xlsx = &xlsx;
+  Control control(host, services);
   host.control = &control;
 
   hosts::LinkHandlers handlers;

@@ -27,8 +27,9 @@ struct RunOptions {
   std::optional<int16_t> indexFile;
   bool autoExport = false;
   bool exportOnExit = false;
-  int64_t records = 0;         // stop after this many rows; 0 runs on
-  double durationSeconds = 0;  // stop after this long; 0 runs on
+  std::optional<std::string> exportFormat;  // biff2, xlsx or csv
+  int64_t records = 0;                      // stop after this many rows; 0 runs on
+  double durationSeconds = 0;               // stop after this long; 0 runs on
   // The embedded controller's program file and how often it writes a record (default: the
   // program's own interval).
   std::optional<std::string> programFile;

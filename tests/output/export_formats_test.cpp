@@ -11,55 +11,16 @@
 #include <string>
 #include <vector>
 
-#include "decoding/row_bookkeeping.h"
+#include "output/fixed_trace.h"
 #include "output/output_steps.h"
-#include "support/module_fixture.h"
-#include "support/temp_dir.h"
-#include "vantrel/encoding.h"
 
 namespace vantrel {
 namespace {
 
-std::string ReadBytes(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-// A fixed trace: stamps, numbers with the decimal comma, a controller date and time column,
-// texts with a comma, quotes and a Windows-1252 letter, and a Miss row.
-struct FixedTrace : testing::ModuleFixture {
-  FixedTrace() {
-    Define(1, 4, 0, 0, "Level", "2d", 900);
-    Define(2, 5, 1, 0, "Stamp", "t", 1700);
-    Define(3, 3, 2, 0, "State, now", "s", 1100);
-    Define(4, 5, 3, 0, "Note", "a", 1000);
-    Build();
-    m.decimalSeparator = ',';
-    m.props.DateStampCol = true;
-    m.props.TimeStampCol = true;
-    m.props.PCDStatusCol = true;
-    m.PCDStatusText = "Run";
-    m.StatusDate = "15/11/26";
-    const char* rows[][5] = {
-        {"08:15:30", " 12,50", "14/11/26 23:59:58", "Running", "plain"},
-        {"08:15:31", "-3,25", "15/11/26 00:00:01", "Stop, then \"wait\"", "caf\xE9"},
-        {"08:15:32", " 0", "31/12/99 12:00:00", "Idle", "line"},
-    };
-    for (const auto& row : rows) {
-      m.StatusTime = row[0];
-      AddRecordRow(m, std::string("\t") + row[1] + "\t" + row[2] + "\t" + row[3] + "\t" + row[4],
-                   "", "");
-    }
-    AddMissRow(m, 4);
-  }
-  std::string Export(int16_t format, const std::string& name) {
-    m.props.ExportFormat = format;
-    m.props.ExportFile = dir.File(name);
-    ExportFromButton(m);
-    return m.props.ExportFile;
-  }
-  testing::TempDir dir;
-};
+using testing::FixedTrace;
+using testing::Lines;
+using testing::Python;
+using testing::ReadBytes;
 
 TEST(ExportFormats, TheExcel2FileIsByteForByteTheReference) {
   FixedTrace trace;
@@ -71,32 +32,6 @@ TEST(ExportFormats, TheExcel2FileIsByteForByteTheReference) {
   const std::string expected = ReadBytes(reference);
   ASSERT_FALSE(expected.empty()) << "missing " << reference;
   EXPECT_EQ(ReadBytes(path), expected);
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    const size_t end = text.find('\n', start);
-    lines.push_back(text.substr(start, end - start));
-    if (end == std::string::npos) break;
-    start = end + 1;
-  }
-  return lines;
-}
-
-std::string Python(const std::string& script, const std::string& file) {
-  const std::string command =
-      "/usr/bin/python3 " VANTREL_SOURCE_DIR "/tests/output/" + script + " '" + file + "'";
-  std::string out;
-  if (FILE* pipe = ::popen(command.c_str(), "r")) {
-    char buffer[4096];
-    size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-      out.append(buffer, n);
-    if (::pclose(pipe) != 0) out = "(" + command + " failed)\n" + out;
-  }
-  return out;
 }
 
 TEST(ExportFormats, CsvReadsBackAsTheTableWithIsoDatesAndDecimalPoints) {

@@ -1,0 +1,105 @@
+// The .xlsx export read back by LibreOffice, converted to UTF-8 CSV with the cells as shown
+// (dates and times with their formats, numbers as numbers) and opened as the zip of XML it is (the
+// sheets, the frozen header).
+
+#include "vantrel/xlsx_exporter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "output/fixed_trace.h"
+
+namespace vantrel {
+namespace {
+
+using testing::FixedTrace;
+
+std::string RunShell(const std::string& command) {
+  std::string out;
+  if (FILE* pipe = ::popen(command.c_str(), "r")) {
+    char buffer[4096];
+    size_t n = 0;
+    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
+      out.append(buffer, n);
+    ::pclose(pipe);
+  }
+  return out;
+}
+
+struct XlsxTrace : FixedTrace {
+  XlsxTrace() {
+    m.services.xlsx = &exporter;
+    path = Export(1, "trace.xlsx");
+  }
+  // A member of the workbook's zip, as text.
+  std::string Member(const std::string& name) {
+    return RunShell(
+        "/usr/bin/python3 -c \"import sys, zipfile; "
+        "sys.stdout.write(zipfile.ZipFile(sys.argv[1]).read(sys.argv[2]).decode())\" '" +
+        path + "' " + name);
+  }
+  XlsxExporter exporter;
+  std::string path;
+};
+
+TEST(XlsxExport, LibreOfficeShowsDatesTimesNumbersAndTexts) {
+  if (std::system("command -v soffice >/dev/null 2>&1") != 0) {
+    if (std::getenv("CI") != nullptr) FAIL() << "LibreOffice is not installed";
+    GTEST_SKIP() << "LibreOffice is not installed";
+  }
+  XlsxTrace t;
+  ASSERT_TRUE(t.prompts.Messages().empty()) << t.prompts.Messages()[0].text;
+  EXPECT_EQ(t.m.grid.DataRowCount(), 0) << "the table is emptied after the export";
+  const std::string out = t.dir.File("csv");
+  const std::string log =
+      RunShell("soffice -env:UserInstallation=file://" + t.dir.File("profile") +
+               " --headless --convert-to "
+               "'csv:Text - txt - csv (StarCalc):44,34,76,1,,1033,false,true,true'"
+               " --outdir " +
+               out + " " + t.path + " 2>&1");
+  const std::vector<std::string> lines = testing::Lines(testing::ReadBytes(out + "/trace.csv"));
+  const std::string dashes(16, '-');
+  const std::vector<std::string> expected = {
+      "PC Date,PC Time,PCD,Level,Stamp,\"State, now\",Note",
+      "15/11/26,08:15:30,Run,12.5,14/11/26 23:59,Running,plain",
+      "15/11/26,08:15:31,Run,-3.25,15/11/26 00:00,\"Stop, then \"\"wait\"\"\",caf\u00e9",
+      "15/11/26,08:15:32,Run,0,31/12/99 12:00,Idle,line",
+      "15/11/26,08:15:32,Miss 4,," + dashes + "," + dashes + "," + dashes,
+  };
+  std::vector<std::string> trimmed;
+  for (const std::string& line : lines)
+    trimmed.push_back(line.substr(0, line.find_last_not_of('\r') + 1));
+  EXPECT_EQ(trimmed, expected) << log;
+}
+
+TEST(XlsxExport, TheWorkbookExplainsItself) {
+  XlsxTrace t;
+  const std::string workbook = t.Member("xl/workbook.xml");
+  EXPECT_NE(workbook.find("name=\"Trace\""), std::string::npos) << workbook;
+  EXPECT_NE(workbook.find("name=\"Description\""), std::string::npos);
+  // The header row stays in view: a pane frozen below row 1.
+  const std::string trace = t.Member("xl/worksheets/sheet1.xml");
+  EXPECT_NE(trace.find("ySplit=\"1\""), std::string::npos);
+  EXPECT_NE(trace.find("state=\"frozen\""), std::string::npos);
+  const std::string description = t.Member("xl/worksheets/sheet2.xml");
+  for (const char* text : {"Pump station", "PMP1", "Level", "Word", "2d", "Stamp", "Long"}) {
+    EXPECT_NE(description.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(XlsxExport, AnUnwritableFileFailsAndKeepsTheTable) {
+  FixedTrace trace;
+  XlsxExporter exporter;
+  trace.m.services.xlsx = &exporter;
+  trace.m.CommandedExport = true;
+  trace.Export(1, "missing-folder/trace.xlsx");
+  EXPECT_EQ(trace.m.grid.DataRowCount(), 4);
+  ASSERT_EQ(trace.prompts.Messages().size(), 1u);
+  EXPECT_EQ(trace.prompts.Messages()[0].title, "Vantrel exportation aborted !");
+}
+
+}  // namespace
+}  // namespace vantrel
