@@ -14,6 +14,7 @@
 #include "vantrel/graph_model.h"
 #include "vantrel/prompts.h"
 #include "vantrel/property_bag.h"
+#include "vantrel/row_sink.h"
 #include "vantrel/surface.h"
 #include "vantrel/table_export.h"
 #include "vantrel/table_model.h"
@@ -141,6 +142,9 @@ class Control {
   const GraphModel& Graph() const;
   int16_t ReadState() const;
   void AddSurfaceObserver(SurfaceObserver* observer);
+  // Every row added to the table, and every description loaded, is handed to the sinks.
+  void AddRowSink(RowSink* sink);
+  void RemoveRowSink(RowSink* sink);
   void RemoveSurfaceObserver(SurfaceObserver* observer);
 
   struct Module;  // the control's state, shared by its subsystems

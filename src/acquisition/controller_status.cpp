@@ -67,11 +67,20 @@ void ChangePCDStatus(Module& m) {
   const DateTime now = m.services.clock.Now();
   m.StatusDate = FormatStatusDate(now);
   m.StatusTime = FormatStatusTime(now);
+  m.StampAt = now;
   std::string emptyFields;
   for (const ColumnDef& column : m.description.Columns) {
     if (column.Defined) emptyFields += '\t';
   }
-  AddRecordRow(m, emptyFields, "", "");
+  // The row sinks are told that this row is a status change, not a record.
+  m.addingStatusRow = true;
+  try {
+    AddRecordRow(m, emptyFields, "", "");
+  } catch (...) {
+    m.addingStatusRow = false;
+    throw;
+  }
+  m.addingStatusRow = false;
 }
 
 void CheckCommand(Module& m) {

@@ -114,6 +114,14 @@ int16_t Control::ReadState() const {
   return module_->buffer.ReadState;
 }
 
+void Control::AddRowSink(RowSink* sink) {
+  if (sink != nullptr) module_->rowSinks.push_back(sink);
+}
+
+void Control::RemoveRowSink(RowSink* sink) {
+  std::erase(module_->rowSinks, sink);
+}
+
 void Control::AddSurfaceObserver(SurfaceObserver* observer) {
   if (observer != nullptr) module_->surfaceObservers.push_back(observer);
 }

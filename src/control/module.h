@@ -16,6 +16,7 @@
 #include "symbols/value_texts.h"
 #include "vantrel/control.h"
 #include "vantrel/graph_model.h"
+#include "vantrel/row_sink.h"
 
 namespace vantrel {
 
@@ -71,6 +72,7 @@ struct StampCache {
 // Text buffers the record decoder reuses from one record to the next.
 struct DecodeScratch {
   std::string display, raw, comment, key;
+  std::vector<std::string> columnRaw;  // per trace column, only while row sinks listen
   std::string displayLine, rawLine, commentLine;
   std::string eventText, rowText;
 };
@@ -162,6 +164,11 @@ struct Control::Module {
   // PC date and time of the last decoded record or status change, as shown in the rows.
   std::string StatusDate;
   std::string StatusTime;
+  // The PC date and time that StatusDate and StatusTime show, for the row sinks.
+  DateTime StampAt;
+  // Hosts' row sinks; the next row added is a status-change row while the flag is set.
+  std::vector<RowSink*> rowSinks;
+  bool addingStatusRow = false;
   StampCache recordStamps;
   DecodeScratch decodeScratch;
   // Set while an export ordered by the controller's command word runs.

@@ -6,6 +6,7 @@
 #include "acquisition/simulation.h"
 #include "acquisition/trace_steps.h"
 #include "decoding/grid_setup.h"
+#include "decoding/row_history.h"
 #include "description/description_loader.h"
 #include "description/locator.h"
 #include "description/user_buffer.h"
@@ -32,6 +33,7 @@ DescriptionSources SourcesOf(Module& m) {
 void PrepareTable(Module& m) {
   ShowTitle(m, m.props.Simulation);
   BuildGrid(m);
+  AnnounceDescription(m);
 }
 
 bool LoadUserBufferFile(Module& m) {

@@ -131,6 +131,7 @@ class RecordDecoder {
     // A record starts with nothing carried over from the previous one.
     display_.clear();
     raw_.clear();
+    m.decodeScratch.columnRaw.clear();
     displayLine_.clear();
     rawLine_.clear();
     commentLine_.clear();
@@ -174,6 +175,11 @@ class RecordDecoder {
       commentLine_ = comment_;
     }
     (displayLine_ += '\t') += display_;
+    if (!m_.rowSinks.empty()) {
+      // A string column's raw value is the last register it read.
+      m_.decodeScratch.columnRaw.push_back(column.FieldType == kStrg ? std::to_string(lastRegister_)
+                                                                     : raw_);
+    }
   }
 
   void Finish() {
@@ -441,6 +447,7 @@ bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
     }
     m.StatusDate = cache.date;
     m.StatusTime = cache.time;
+    m.StampAt = now;
     RecordDecoder decoder(m, registers, first);
     const int highest = std::min<int>(m.description.ColumnCount, 127);
     for (int number = 0; number <= highest; ++number) {

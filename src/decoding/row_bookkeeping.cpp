@@ -3,6 +3,7 @@
 #include <charconv>
 #include <string>
 
+#include "decoding/row_history.h"
 #include "output/output_steps.h"
 
 namespace vantrel {
@@ -39,10 +40,12 @@ std::string DashFiller(const Module& m, bool firstToo) {
   return filler;
 }
 
-void AddMarkerRow(Module& m, const std::string& status, const std::string& filler) {
+void AddMarkerRow(Module& m, const std::string& status, const std::string& filler,
+                  HistoryRowKind kind, int64_t missed) {
   m.grid.AddItem(std::to_string(m.walk.RecordCount) + kTab + m.StatusDate + kTab + m.StatusTime +
                  kTab + status + kTab + filler);
   m.events.OutputLine(EventText(m, status, filler));
+  AnnounceMarkerRow(m, kind, status, missed);
 }
 
 void ScrollToNewest(Module& m) {
@@ -93,17 +96,19 @@ void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawL
   (row += kTab) += rawLine;
   (row += kTab) += commentLine;
   m.grid.AddItem(row);
+  AnnounceRecordRow(m, displayLine);
 
   if (m.GraphShown) RefreshGraph(m);
   ScrollToNewest(m);
 }
 
 void AddMissRow(Module& m, int64_t missed) {
-  AddMarkerRow(m, "Miss " + std::to_string(missed), DashFiller(m, false));
+  AddMarkerRow(m, "Miss " + std::to_string(missed), DashFiller(m, false), HistoryRowKind::Miss,
+               missed);
 }
 
 void AddRestartRow(Module& m) {
-  AddMarkerRow(m, "Restart", DashFiller(m, true));
+  AddMarkerRow(m, "Restart", DashFiller(m, true), HistoryRowKind::Restart, 0);
 }
 
 }  // namespace vantrel

@@ -4,5 +4,6 @@ target_sources(vantrel PRIVATE
   decoding/grid_setup.cpp
   decoding/record_decoder.cpp
   decoding/row_bookkeeping.cpp
+  decoding/row_history.cpp
   decoding/row_limit.cpp
   decoding/stamps.cpp)

@@ -1,0 +1,15 @@
+#pragma once
+// Hands the rows the table receives, and the descriptions loaded, to the host's row sinks.
+
+#include <cstdint>
+#include <string_view>
+
+#include "control/module.h"
+
+namespace vantrel {
+
+void AnnounceDescription(Module& m);
+void AnnounceRecordRow(Module& m, std::string_view displayLine);
+void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status, int64_t missed);
+
+}  // namespace vantrel
