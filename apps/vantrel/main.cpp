@@ -43,6 +43,8 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0, 2));
   runCommand->add_flag("--auto-export", run.autoExport, "Export whenever the table is full");
   runCommand->add_flag("--export-on-exit", run.exportOnExit, "Export the table when stopping");
+  runCommand->add_option("--history", run.historyFile,
+                         "Keep every row in this SQLite record history (created if missing)");
   runCommand
       ->add_option("--export-format", run.exportFormat,
                    "Export file format: biff2 (Excel 2.x, the default), xlsx or csv")

@@ -11,6 +11,7 @@
 #include "controller_links.h"
 #include "event_log.h"
 #include "vantrel/control.h"
+#include "vantrel/history/sqlite_history.h"
 #include "vantrel/hosts/embedded_controller.h"
 #include "vantrel/hosts/program_file.h"
 #include "vantrel/hosts/pump_station.h"
@@ -218,6 +219,19 @@ int Run(const RunOptions& o) {
   }
   ApplyOptions(control, o, defaultStartRegister);
 
+  // The record history: the option, or what the properties file says.
+  if (o.historyFile) control.SetHistoryFile(*o.historyFile);
+  std::unique_ptr<history::SqliteHistory> recordHistory;
+  if (!control.HistoryFile().empty()) {
+    std::string error;
+    recordHistory = history::SqliteHistory::Open(control.HistoryFile(), error);
+    if (!recordHistory) {
+      std::fprintf(stderr, "vantrel run: %s\n", error.c_str());
+      return 2;
+    }
+    control.AddRowSink(recordHistory.get());
+  }
+
   signalledLoop = &loop;
   std::signal(SIGINT, OnStopSignal);
   std::signal(SIGTERM, OnStopSignal);
@@ -242,6 +256,14 @@ int Run(const RunOptions& o) {
                    control.ExportFile().c_str());
     } else if (rows > 0) {
       std::fprintf(stderr, "vantrel run: the export to %s failed\n", control.ExportFile().c_str());
+      return 1;
+    }
+  }
+  if (recordHistory) {
+    control.RemoveRowSink(recordHistory.get());
+    recordHistory->Flush();
+    if (!recordHistory->LastError().empty()) {
+      std::fprintf(stderr, "vantrel run: %s\n", recordHistory->LastError().c_str());
       return 1;
     }
   }

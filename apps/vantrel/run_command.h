@@ -28,6 +28,7 @@ struct RunOptions {
   bool autoExport = false;
   bool exportOnExit = false;
   std::optional<std::string> exportFormat;  // biff2, xlsx or csv
+  std::optional<std::string> historyFile;   // a SQLite record history
   int64_t records = 0;                      // stop after this many rows; 0 runs on
   double durationSeconds = 0;               // stop after this long; 0 runs on
   // The embedded controller's program file and how often it writes a record (default: the

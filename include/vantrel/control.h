@@ -92,6 +92,9 @@ class Control {
   // 0 the Excel 2.x file, 1 an .xlsx workbook (needs ControlServices::xlsx), 2 a CSV file.
   int16_t ExportFormat() const;
   void SetExportFormat(int16_t value);
+  // The record history the host keeps (e.g. a SQLite file); the control only carries it.
+  const std::string& HistoryFile() const;
+  void SetHistoryFile(std::string value);
   const std::string& SelColumn() const;
   void SetSelColumn(std::string value);
   bool Simulation() const;

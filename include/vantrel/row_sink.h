@@ -5,6 +5,7 @@
 // (queue the row and write it elsewhere), as the control waits for it.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,9 @@ struct HistoryRow {
   // Per trace column, the text shown and the raw value decoded (empty on marker rows).
   std::vector<std::string> display;
   std::vector<std::string> raw;
+  // Per trace column, the display text read as a number (with the table's decimal
+  // separator) when it is one.
+  std::vector<std::optional<double>> number;
 };
 
 class RowSink {

@@ -211,6 +211,13 @@ void Control::SetExportFormat(int16_t value) {
   SetWhileEnabled(*module_, "ExportFormat", module_->props.ExportFormat, value);
 }
 
+const std::string& Control::HistoryFile() const {
+  return module_->props.HistoryFile;
+}
+void Control::SetHistoryFile(std::string value) {
+  SetWhileEnabled(*module_, "HistoryFile", module_->props.HistoryFile, std::move(value));
+}
+
 const std::string& Control::SelColumn() const {
   return module_->props.SelColumn;
 }

@@ -59,6 +59,8 @@ struct PropertyFields {
   std::string SelColumn;
   // 0 the Excel 2.x file, 1 an .xlsx workbook, 2 a CSV file.
   int16_t ExportFormat = 0;
+  // Where the host keeps every row (a record history); the control only carries it.
+  std::string HistoryFile;
 };
 
 // The PC date and time texts of the last decoded record, kept for the second they show.

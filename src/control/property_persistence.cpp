@@ -39,6 +39,7 @@ void ForEachPersisted(PropertyFields& p, Visitor&& visit) {
   visit("IndexFile", p.IndexFile, int16_t{0});
   visit("SelColumn", p.SelColumn, std::string());
   visit("ExportFormat", p.ExportFormat, int16_t{0});
+  visit("HistoryFile", p.HistoryFile, std::string());
 }
 
 PropertyValue ToValue(bool v) {

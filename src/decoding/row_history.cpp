@@ -1,5 +1,7 @@
 #include "decoding/row_history.h"
 
+#include "platform/numbers.h"
+
 namespace vantrel {
 namespace {
 
@@ -50,9 +52,13 @@ void AnnounceRecordRow(Module& m, std::string_view displayLine) {
   }
   if (row.kind == HistoryRowKind::Record) {
     row.raw = m.decodeScratch.columnRaw;
+    row.number.reserve(row.display.size());
+    for (const std::string& text : row.display)
+      row.number.push_back(NumberValue(text, m.decimalSeparator));
   } else {
     row.display.assign(row.display.size(), std::string());
     row.raw.assign(row.display.size(), std::string());
+    row.number.assign(row.display.size(), std::nullopt);
   }
   Send(m, row);
 }

@@ -3,9 +3,11 @@
 // stops answering for a while, answers that come late), and every record written must be
 // shown exactly once, in order, or counted in a "Miss " row. Simulated time runs as fast as
 // the machine allows, for a wall-clock budget: a few seconds by default (CI), longer with
-// VANTREL_SOAK_SECONDS=600.
+// VANTREL_SOAK_SECONDS=600. Every row also goes into a SQLite record history, which must
+// hold each shown record once and the same missing counts.
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -18,6 +20,7 @@
 #include "hosts/virtual_host.h"
 #include "support/temp_dir.h"
 #include "vantrel/control.h"
+#include "vantrel/history/sqlite_history.h"
 #include "vantrel/manual_event_loop.h"
 #include "vantrel/scripted_prompts.h"
 
@@ -90,6 +93,20 @@ struct Totals {
   int oldestShownAfterMiss = 0;
 };
 
+int64_t HistoryCount(const std::string& path, const char* sql) {
+  sqlite3* db = nullptr;
+  int64_t value = -1;
+  sqlite3_stmt* statement = nullptr;
+  if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK &&
+      sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK &&
+      sqlite3_step(statement) == SQLITE_ROW) {
+    value = sqlite3_column_int64(statement, 0);
+  }
+  sqlite3_finalize(statement);
+  sqlite3_close(db);
+  return value;
+}
+
 double BudgetSeconds() {
   const char* text = std::getenv("VANTREL_SOAK_SECONDS");
   return text != nullptr ? std::atof(text) : 3.0;
@@ -106,6 +123,11 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   FaultyHost host(space, loop);
   Control control(host, {loop, loop.Clock(), prompts});
   host.control = &control;
+  // Every row also goes to a record history, which must account for the records alike.
+  std::string historyError;
+  auto recordHistory = history::SqliteHistory::Open(dir.File("soak.db"), historyError);
+  ASSERT_TRUE(recordHistory) << historyError;
+  control.AddRowSink(recordHistory.get());
   control.SetResourcePath(dir.Path().string());
   control.SetStartRegister(program.Config().startRegister);
   control.SetPCDStatusCol(true);
@@ -233,6 +255,16 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   EXPECT_GT(totals.restarts, 0);
   EXPECT_GT(totals.outages, 0);
   EXPECT_TRUE(host.errors.empty()) << host.errors.front();
+
+  control.RemoveRowSink(recordHistory.get());
+  recordHistory->Flush();
+  EXPECT_EQ(recordHistory->LastError(), "");
+  recordHistory.reset();
+  EXPECT_EQ(HistoryCount(dir.File("soak.db"), "SELECT count(*) FROM rows WHERE kind = 'record'"),
+            totals.shown);
+  // The Miss rows' own counts include the oldest records a reload showed as well.
+  EXPECT_EQ(HistoryCount(dir.File("soak.db"), "SELECT total(missed) FROM rows"),
+            totals.missed + totals.oldestShownAfterMiss);
 }
 
 }  // namespace

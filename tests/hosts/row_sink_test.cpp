@@ -89,6 +89,7 @@ TEST(RowSinks, SeeTheDescriptionAndEveryRowWithItsKind) {
   EXPECT_EQ(first.pcTime, (DateTime{2026, 11, 15, 8, 15, 30, 5}));
   EXPECT_EQ(first.display, (std::vector<std::string>{" 1", "ok  "}));
   EXPECT_EQ(first.raw, (std::vector<std::string>{"1", std::to_string(0x6F6B2020)}));
+  EXPECT_EQ(first.number, (std::vector<std::optional<double>>{1.0, std::nullopt}));
 
   const HistoryRow& miss = f.sink.rows[2];
   EXPECT_EQ(miss.status, "Miss 5");

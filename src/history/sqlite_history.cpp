@@ -1,0 +1,359 @@
+#include "vantrel/history/sqlite_history.h"
+
+#include <sqlite3.h>
+
+#include <charconv>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <variant>
+
+#include "vantrel/encoding.h"
+
+namespace vantrel::history {
+namespace {
+
+constexpr const char* kSchema = R"sql(
+CREATE TABLE vantrel_schema (version INTEGER NOT NULL);
+CREATE TABLE descriptions (
+  id INTEGER PRIMARY KEY,
+  buffer_key TEXT NOT NULL,
+  title TEXT NOT NULL,
+  version INTEGER NOT NULL,
+  loaded_at TEXT NOT NULL
+);
+CREATE TABLE description_columns (
+  description_id INTEGER NOT NULL REFERENCES descriptions (id),
+  column_index INTEGER NOT NULL,
+  caption TEXT NOT NULL,
+  register INTEGER NOT NULL,
+  type TEXT NOT NULL,
+  position INTEGER NOT NULL,
+  display_code TEXT NOT NULL,
+  PRIMARY KEY (description_id, column_index)
+);
+CREATE TABLE rows (
+  id INTEGER PRIMARY KEY,
+  description_id INTEGER REFERENCES descriptions (id),
+  kind TEXT NOT NULL CHECK (kind IN ('record', 'miss', 'restart', 'status')),
+  record_number INTEGER NOT NULL,
+  pc_time TEXT NOT NULL,
+  status TEXT NOT NULL,
+  missed INTEGER,
+  display TEXT,
+  raw TEXT
+);
+CREATE INDEX rows_by_time ON rows (description_id, pc_time);
+CREATE VIEW record_values AS
+  SELECT d.buffer_key, r.pc_time, r.kind, r.record_number, r.status, c.column_index, c.caption,
+         json_extract(r.display, '$[' || c.column_index || ']') AS value,
+         json_extract(r.raw, '$[' || c.column_index || ']') AS raw
+  FROM rows r
+  JOIN descriptions d ON d.id = r.description_id
+  JOIN description_columns c ON c.description_id = r.description_id
+  WHERE r.kind = 'record';
+)sql";
+
+// JSON texts of the row's cells, built without a library: strings escaped, numbers bare.
+void AppendJsonString(std::string& out, std::string_view utf8) {
+  out += '"';
+  for (const char ch : utf8) {
+    const auto c = static_cast<unsigned char>(ch);
+    if (c == '"' || c == '\\') {
+      (out += '\\') += ch;
+    } else if (c < 0x20) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+      out += escaped;
+    } else {
+      out += ch;
+    }
+  }
+  out += '"';
+}
+
+void AppendJsonNumber(std::string& out, double value) {
+  char digits[32];
+  out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+std::string DisplayJson(const HistoryRow& row) {
+  std::string json = "[";
+  for (size_t i = 0; i < row.display.size(); ++i) {
+    if (i > 0) json += ',';
+    if (i < row.number.size() && row.number[i]) {
+      AppendJsonNumber(json, *row.number[i]);
+    } else {
+      AppendJsonString(json, Cp1252ToUtf8(row.display[i]));
+    }
+  }
+  return json + "]";
+}
+
+std::string RawJson(const HistoryRow& row) {
+  std::string json = "[";
+  for (size_t i = 0; i < row.raw.size(); ++i) {
+    if (i > 0) json += ',';
+    const std::string& text = row.raw[i];
+    int64_t value = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (!text.empty() && ec == std::errc() && end == text.data() + text.size()) {
+      json += text;
+    } else {
+      AppendJsonString(json, Cp1252ToUtf8(text));
+    }
+  }
+  return json + "]";
+}
+
+std::string IsoTime(const DateTime& t) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
+                t.hour, t.minute, t.second, t.millisecond);
+  return text;
+}
+
+const char* KindText(HistoryRowKind kind) {
+  switch (kind) {
+    case HistoryRowKind::Miss:
+      return "miss";
+    case HistoryRowKind::Restart:
+      return "restart";
+    case HistoryRowKind::Status:
+      return "status";
+    default:
+      return "record";
+  }
+}
+
+// A prepared statement, finalized with its owner.
+class Statement {
+ public:
+  Statement(sqlite3* db, const char* sql) { sqlite3_prepare_v2(db, sql, -1, &statement_, nullptr); }
+  ~Statement() { sqlite3_finalize(statement_); }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+  sqlite3_stmt* get() const { return statement_; }
+  void Text(int index, const std::string& text) {
+    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()),
+                      SQLITE_TRANSIENT);
+  }
+  void Int(int index, int64_t value) { sqlite3_bind_int64(statement_, index, value); }
+  void Null(int index) { sqlite3_bind_null(statement_, index); }
+  bool Step() {
+    const int result = sqlite3_step(statement_);
+    sqlite3_reset(statement_);
+    return result == SQLITE_DONE;
+  }
+
+ private:
+  sqlite3_stmt* statement_ = nullptr;
+};
+
+bool Execute(sqlite3* db, const char* sql, std::string& error) {
+  char* message = nullptr;
+  if (sqlite3_exec(db, sql, nullptr, nullptr, &message) == SQLITE_OK) return true;
+  error = message != nullptr ? message : sqlite3_errmsg(db);
+  sqlite3_free(message);
+  return false;
+}
+
+// Creates the schema in an empty database, or checks that an existing one is ours and not
+// newer; nothing of a foreign database is touched.
+bool PrepareSchema(sqlite3* db, std::string& error) {
+  Statement tables(db, "SELECT count(*) FROM sqlite_schema");
+  if (sqlite3_step(tables.get()) != SQLITE_ROW) {
+    error = sqlite3_errmsg(db);
+    return false;
+  }
+  const int64_t count = sqlite3_column_int64(tables.get(), 0);
+  if (count == 0) {
+    return Execute(db, "BEGIN", error) && Execute(db, kSchema, error) &&
+           Execute(
+               db,
+               ("INSERT INTO vantrel_schema VALUES (" + std::to_string(kHistorySchemaVersion) + ")")
+                   .c_str(),
+               error) &&
+           Execute(db, "COMMIT", error);
+  }
+  Statement version(db, "SELECT version FROM vantrel_schema");
+  if (version.get() == nullptr || sqlite3_step(version.get()) != SQLITE_ROW) {
+    error = "it is not a Vantrel history (it has tables of its own and no vantrel_schema)";
+    return false;
+  }
+  const int64_t found = sqlite3_column_int64(version.get(), 0);
+  if (found > kHistorySchemaVersion) {
+    error = "its schema version " + std::to_string(found) + " is newer than this Vantrel's (" +
+            std::to_string(kHistorySchemaVersion) + ")";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+struct SqliteHistory::Worker {
+  using Item = std::variant<HistoryDescription, HistoryRow>;
+
+  sqlite3* db = nullptr;
+  std::thread thread;
+  mutable std::mutex mutex;
+  std::condition_variable wake;
+  std::condition_variable written;
+  std::deque<Item> queue;     // guarded by mutex
+  uint64_t queued = 0;        // guarded: items ever queued
+  uint64_t done = 0;          // guarded: items ever written (or given up on)
+  bool stopping = false;      // guarded
+  std::string error;          // guarded: the first failure
+  int64_t descriptionId = 0;  // worker only
+
+  ~Worker() { sqlite3_close(db); }
+
+  void Push(Item item) {
+    {
+      std::lock_guard lock(mutex);
+      queue.push_back(std::move(item));
+      ++queued;
+    }
+    wake.notify_one();
+  }
+
+  void Fail(const std::string& text) {
+    std::lock_guard lock(mutex);
+    if (error.empty()) error = text;
+  }
+
+  void Run() {
+    Statement description(db,
+                          "INSERT INTO descriptions (buffer_key, title, version, loaded_at) "
+                          "VALUES (?, ?, ?, strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime'))");
+    Statement column(db, "INSERT INTO description_columns VALUES (?, ?, ?, ?, ?, ?, ?)");
+    Statement row(db,
+                  "INSERT INTO rows (description_id, kind, record_number, pc_time, status, "
+                  "missed, display, raw) VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    std::deque<Item> batch;
+    while (true) {
+      {
+        std::unique_lock lock(mutex);
+        // Rows that come close together share one transaction.
+        wake.wait_for(lock, std::chrono::milliseconds(100),
+                      [this] { return stopping || !queue.empty(); });
+        if (queue.empty() && stopping) break;
+        batch.swap(queue);
+      }
+      if (batch.empty()) continue;
+      std::string problem;
+      bool ok = Execute(db, "BEGIN", problem);
+      for (Item& item : batch) {
+        if (!ok) break;
+        if (auto* d = std::get_if<HistoryDescription>(&item)) {
+          description.Text(1, Cp1252ToUtf8(d->key));
+          description.Text(2, Cp1252ToUtf8(d->title));
+          description.Int(3, d->version);
+          ok = description.Step();
+          descriptionId = sqlite3_last_insert_rowid(db);
+          for (size_t i = 0; ok && i < d->columns.size(); ++i) {
+            const HistoryColumn& c = d->columns[i];
+            column.Int(1, descriptionId);
+            column.Int(2, static_cast<int64_t>(i));
+            column.Text(3, Cp1252ToUtf8(c.caption));
+            column.Int(4, c.registerIndex);
+            column.Text(5, c.fieldType);
+            column.Int(6, c.position);
+            column.Text(7, Cp1252ToUtf8(c.displayCode));
+            ok = column.Step();
+          }
+        } else {
+          const HistoryRow& r = std::get<HistoryRow>(item);
+          if (descriptionId != 0) {
+            row.Int(1, descriptionId);
+          } else {
+            row.Null(1);
+          }
+          row.Text(2, KindText(r.kind));
+          row.Int(3, r.recordNumber);
+          row.Text(4, IsoTime(r.pcTime));
+          row.Text(5, Cp1252ToUtf8(r.status));
+          if (r.kind == HistoryRowKind::Miss) {
+            row.Int(6, r.missed);
+          } else {
+            row.Null(6);
+          }
+          row.Text(7, DisplayJson(r));
+          row.Text(8, RawJson(r));
+          ok = row.Step();
+        }
+      }
+      if (ok) ok = Execute(db, "COMMIT", problem);
+      if (!ok) {
+        if (problem.empty()) problem = sqlite3_errmsg(db);
+        std::string ignored;
+        Execute(db, "ROLLBACK", ignored);
+        Fail("the history could not be written: " + problem);
+      }
+      {
+        std::lock_guard lock(mutex);
+        done += batch.size();
+      }
+      batch.clear();
+      written.notify_all();
+    }
+  }
+};
+
+std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std::string& error) {
+  auto worker = std::make_unique<Worker>();
+  if (sqlite3_open_v2(path.c_str(), &worker->db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                      nullptr) != SQLITE_OK) {
+    error = "cannot open the history " + path + ": " + sqlite3_errmsg(worker->db);
+    return nullptr;
+  }
+  std::string problem;
+  sqlite3_busy_timeout(worker->db, 5000);
+  if (!Execute(worker->db, "PRAGMA journal_mode=WAL", problem) ||
+      !Execute(worker->db, "PRAGMA synchronous=NORMAL", problem) ||
+      !PrepareSchema(worker->db, problem)) {
+    error = "cannot use " + path + " as a history: " + problem;
+    return nullptr;
+  }
+  std::unique_ptr<SqliteHistory> history(new SqliteHistory(std::move(worker)));
+  Worker* w = history->worker_.get();
+  w->thread = std::thread([w] { w->Run(); });
+  return history;
+}
+
+SqliteHistory::SqliteHistory(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
+
+SqliteHistory::~SqliteHistory() {
+  {
+    std::lock_guard lock(worker_->mutex);
+    worker_->stopping = true;
+  }
+  worker_->wake.notify_all();
+  worker_->thread.join();
+}
+
+void SqliteHistory::DescriptionLoaded(const HistoryDescription& description) {
+  worker_->Push(description);
+}
+
+void SqliteHistory::RowAdded(const HistoryRow& row) {
+  worker_->Push(row);
+}
+
+void SqliteHistory::Flush() {
+  std::unique_lock lock(worker_->mutex);
+  const uint64_t target = worker_->queued;
+  worker_->wake.notify_all();
+  worker_->written.wait(lock, [&] { return worker_->done >= target; });
+}
+
+std::string SqliteHistory::LastError() const {
+  std::lock_guard lock(worker_->mutex);
+  return worker_->error;
+}
+
+}  // namespace vantrel::history
