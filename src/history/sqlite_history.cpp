@@ -129,6 +129,30 @@ const char* KindText(HistoryRowKind kind) {
   }
 }
 
+// A row as it goes into the table: encoded where it is handed over, so that the queue holds
+// a few strings per row rather than three per cell.
+struct EncodedRow {
+  const char* kind = "record";
+  int64_t recordNumber = 0;
+  std::string pcTime;
+  std::string status;
+  std::optional<int64_t> missed;
+  std::string display;
+  std::string raw;
+};
+
+EncodedRow Encode(const HistoryRow& row) {
+  EncodedRow e;
+  e.kind = KindText(row.kind);
+  e.recordNumber = row.recordNumber;
+  e.pcTime = IsoTime(row.pcTime);
+  e.status = Cp1252ToUtf8(row.status);
+  if (row.kind == HistoryRowKind::Miss) e.missed = row.missed;
+  e.display = DisplayJson(row);
+  e.raw = RawJson(row);
+  return e;
+}
+
 // A prepared statement, finalized with its owner.
 class Statement {
  public:
@@ -140,6 +164,10 @@ class Statement {
   void Text(int index, const std::string& text) {
     sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()),
                       SQLITE_TRANSIENT);
+  }
+  // The text must stay unchanged until the statement has been stepped.
+  void StaticText(int index, const std::string& text) {
+    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
   }
   void Int(int index, int64_t value) { sqlite3_bind_int64(statement_, index, value); }
   void Null(int index) { sqlite3_bind_null(statement_, index); }
@@ -196,7 +224,9 @@ bool PrepareSchema(sqlite3* db, std::string& error) {
 }  // namespace
 
 struct SqliteHistory::Worker {
-  using Item = std::variant<HistoryDescription, HistoryRow>;
+  using Item = std::variant<HistoryDescription, EncodedRow>;
+  static constexpr int kRowsPerInsert = 64;
+  static constexpr int kRowParameters = 8;
 
   sqlite3* db = nullptr;
   std::thread thread;
@@ -213,12 +243,16 @@ struct SqliteHistory::Worker {
   ~Worker() { sqlite3_close(db); }
 
   void Push(Item item) {
+    bool wasEmpty = false;
     {
       std::lock_guard lock(mutex);
+      wasEmpty = queue.empty();
       queue.push_back(std::move(item));
       ++queued;
     }
-    wake.notify_one();
+    // The worker sleeps only on an empty queue: waking it for every row would cost a
+    // system call per row.
+    if (wasEmpty) wake.notify_one();
   }
 
   void Fail(const std::string& text) {
@@ -226,14 +260,46 @@ struct SqliteHistory::Worker {
     if (error.empty()) error = text;
   }
 
+  // Rows batch[first .. last) into `statement`, which has exactly that many row slots.
+  bool InsertRows(Statement& statement, const std::deque<Item>& batch, size_t first, size_t last) {
+    int p = 1;
+    for (size_t i = first; i < last; ++i) {
+      const EncodedRow& r = std::get<EncodedRow>(batch[i]);
+      if (descriptionId != 0) {
+        statement.Int(p, descriptionId);
+      } else {
+        statement.Null(p);
+      }
+      sqlite3_bind_text(statement.get(), p + 1, r.kind, -1, SQLITE_STATIC);
+      statement.Int(p + 2, r.recordNumber);
+      statement.StaticText(p + 3, r.pcTime);
+      statement.StaticText(p + 4, r.status);
+      if (r.missed) {
+        statement.Int(p + 5, *r.missed);
+      } else {
+        statement.Null(p + 5);
+      }
+      statement.StaticText(p + 6, r.display);
+      statement.StaticText(p + 7, r.raw);
+      p += kRowParameters;
+    }
+    return statement.Step();
+  }
+
   void Run() {
     Statement description(db,
                           "INSERT INTO descriptions (buffer_key, title, version, loaded_at) "
                           "VALUES (?, ?, ?, strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime'))");
     Statement column(db, "INSERT INTO description_columns VALUES (?, ?, ?, ?, ?, ?, ?)");
-    Statement row(db,
-                  "INSERT INTO rows (description_id, kind, record_number, pc_time, status, "
-                  "missed, display, raw) VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    const std::string insertRows =
+        "INSERT INTO rows (description_id, kind, record_number, pc_time, status, missed, "
+        "display, raw) VALUES ";
+    std::string values = "(?, ?, ?, ?, ?, ?, ?, ?)";
+    Statement row(db, (insertRows + values).c_str());
+    for (int i = 1; i < kRowsPerInsert; ++i)
+      values += ", (?, ?, ?, ?, ?, ?, ?, ?)";
+    // Runs of rows go in one statement each: far fewer statement executions per row.
+    Statement rows(db, (insertRows + values).c_str());
     std::deque<Item> batch;
     while (true) {
       {
@@ -247,9 +313,24 @@ struct SqliteHistory::Worker {
       if (batch.empty()) continue;
       std::string problem;
       bool ok = Execute(db, "BEGIN", problem);
-      for (Item& item : batch) {
-        if (!ok) break;
-        if (auto* d = std::get_if<HistoryDescription>(&item)) {
+      for (size_t at = 0; ok && at < batch.size();) {
+        if (std::holds_alternative<EncodedRow>(batch[at])) {
+          size_t run = at;
+          while (run < batch.size() && run - at < kRowsPerInsert &&
+                 std::holds_alternative<EncodedRow>(batch[run])) {
+            ++run;
+          }
+          if (run - at == kRowsPerInsert) {
+            ok = InsertRows(rows, batch, at, run);
+          } else {
+            // A shorter run goes row by row through the one-row statement.
+            for (size_t i = at; ok && i < run; ++i)
+              ok = InsertRows(row, batch, i, i + 1);
+          }
+          at = run;
+          continue;
+        }
+        if (auto* d = std::get_if<HistoryDescription>(&batch[at++])) {
           description.Text(1, Cp1252ToUtf8(d->key));
           description.Text(2, Cp1252ToUtf8(d->title));
           description.Int(3, d->version);
@@ -266,25 +347,6 @@ struct SqliteHistory::Worker {
             column.Text(7, Cp1252ToUtf8(c.displayCode));
             ok = column.Step();
           }
-        } else {
-          const HistoryRow& r = std::get<HistoryRow>(item);
-          if (descriptionId != 0) {
-            row.Int(1, descriptionId);
-          } else {
-            row.Null(1);
-          }
-          row.Text(2, KindText(r.kind));
-          row.Int(3, r.recordNumber);
-          row.Text(4, IsoTime(r.pcTime));
-          row.Text(5, Cp1252ToUtf8(r.status));
-          if (r.kind == HistoryRowKind::Miss) {
-            row.Int(6, r.missed);
-          } else {
-            row.Null(6);
-          }
-          row.Text(7, DisplayJson(r));
-          row.Text(8, RawJson(r));
-          ok = row.Step();
         }
       }
       if (ok) ok = Execute(db, "COMMIT", problem);
@@ -341,7 +403,7 @@ void SqliteHistory::DescriptionLoaded(const HistoryDescription& description) {
 }
 
 void SqliteHistory::RowAdded(const HistoryRow& row) {
-  worker_->Push(row);
+  worker_->Push(Encode(row));
 }
 
 void SqliteHistory::Flush() {

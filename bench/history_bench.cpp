@@ -1,0 +1,148 @@
+// Rows per second into a SQLite record history: 12-column rows through the history sink
+// (queued, written by its worker in batches), against the same rows written directly as
+// plain multi-row inserts into a table of 12 value columns, in the same run.
+
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "vantrel/history/sqlite_history.h"
+
+namespace vantrel {
+namespace {
+
+constexpr int kRows = 100000;
+constexpr int kColumns = 12;
+
+std::string TempPath(const char* name) {
+  return (std::filesystem::temp_directory_path() / name).string();
+}
+
+void Remove(const std::string& path) {
+  for (const char* suffix : {"", "-wal", "-shm"})
+    std::filesystem::remove(path + suffix);
+}
+
+std::vector<HistoryRow> Rows() {
+  std::vector<HistoryRow> rows(kRows);
+  for (int r = 0; r < kRows; ++r) {
+    HistoryRow& row = rows[static_cast<size_t>(r)];
+    row.recordNumber = r + 1;
+    row.pcTime = {2026, 11, 23, 9, r / 60 % 60, r % 60, r % 1000};
+    row.status = "Run";
+    for (int c = 0; c < kColumns; ++c) {
+      if (c % 3 == 0) {
+        row.display.push_back(c % 2 == 0 ? "Running" : "Idle");
+        row.number.push_back(std::nullopt);
+      } else {
+        row.display.push_back(std::to_string(r % 1000 + c));
+        row.number.push_back(static_cast<double>(r % 1000 + c));
+      }
+      row.raw.push_back(std::to_string(r * 7 + c));
+    }
+  }
+  return rows;
+}
+
+const std::vector<HistoryRow>& TheRows() {
+  static const std::vector<HistoryRow> rows = Rows();
+  return rows;
+}
+
+HistoryDescription Description() {
+  HistoryDescription d;
+  d.key = "PMP1";
+  d.title = "Pump station";
+  for (int c = 0; c < kColumns; ++c)
+    d.columns.push_back({"Column " + std::to_string(c), static_cast<int16_t>(c), "Word", 0, "d"});
+  return d;
+}
+
+void BM_HistorySink(benchmark::State& state) {
+  const auto& rows = TheRows();
+  const std::string path = TempPath("vantrel-bench-history.db");
+  for (auto _ : state) {
+    state.PauseTiming();
+    Remove(path);
+    std::string error;
+    auto history = history::SqliteHistory::Open(path, error);
+    if (!history) {
+      state.SkipWithError(error.c_str());
+      return;
+    }
+    history->DescriptionLoaded(Description());
+    state.ResumeTiming();
+    for (const HistoryRow& row : rows)
+      history->RowAdded(row);
+    history->Flush();
+  }
+  state.SetItemsProcessed(int64_t{kRows} * state.iterations());
+}
+
+// The same values as one table of typed columns, 100 rows per INSERT, one transaction.
+void BM_PlainMultiRowInserts(benchmark::State& state) {
+  const auto& rows = TheRows();
+  const std::string path = TempPath("vantrel-bench-plain.db");
+  for (auto _ : state) {
+    state.PauseTiming();
+    Remove(path);
+    sqlite3* db = nullptr;
+    sqlite3_open(path.c_str(), &db);
+    std::string create = "CREATE TABLE t (n INTEGER, at TEXT, status TEXT";
+    for (int c = 0; c < kColumns; ++c)
+      create += ", v" + std::to_string(c) + ", r" + std::to_string(c);
+    create += ")";
+    sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL", nullptr, nullptr,
+                 nullptr);
+    sqlite3_exec(db, create.c_str(), nullptr, nullptr, nullptr);
+    constexpr int kPerInsert = 100;
+    std::string sql = "INSERT INTO t VALUES ";
+    for (int i = 0; i < kPerInsert; ++i) {
+      sql += i == 0 ? "(" : ",(";
+      for (int p = 0; p < 3 + 2 * kColumns; ++p)
+        sql += p == 0 ? "?" : ",?";
+      sql += ")";
+    }
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_prepare_v2(db, sql.c_str(), -1, &insert, nullptr);
+    state.ResumeTiming();
+    sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
+    for (int r = 0; r < kRows; r += kPerInsert) {
+      int p = 1;
+      for (int i = 0; i < kPerInsert; ++i) {
+        const HistoryRow& row = rows[static_cast<size_t>(r + i)];
+        sqlite3_bind_int64(insert, p++, row.recordNumber);
+        sqlite3_bind_text(insert, p++, "2026-11-23 09:00:00.000", -1, SQLITE_STATIC);
+        sqlite3_bind_text(insert, p++, row.status.c_str(), -1, SQLITE_STATIC);
+        for (int c = 0; c < kColumns; ++c) {
+          const auto col = static_cast<size_t>(c);
+          if (row.number[col]) {
+            sqlite3_bind_double(insert, p++, *row.number[col]);
+          } else {
+            sqlite3_bind_text(insert, p++, row.display[col].c_str(), -1, SQLITE_STATIC);
+          }
+          sqlite3_bind_text(insert, p++, row.raw[col].c_str(), -1, SQLITE_STATIC);
+        }
+      }
+      sqlite3_step(insert);
+      sqlite3_reset(insert);
+    }
+    sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
+    state.PauseTiming();
+    sqlite3_finalize(insert);
+    sqlite3_close(db);
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(int64_t{kRows} * state.iterations());
+}
+
+BENCHMARK(BM_HistorySink)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_PlainMultiRowInserts)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace
+}  // namespace vantrel
+
+BENCHMARK_MAIN();
