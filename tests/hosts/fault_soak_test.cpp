@@ -4,7 +4,8 @@
 // shown exactly once, in order, or counted in a "Miss " row. Simulated time runs as fast as
 // the machine allows, for a wall-clock budget: a few seconds by default (CI), longer with
 // VANTREL_SOAK_SECONDS=600. Every row also goes into a SQLite record history, which must
-// hold each shown record once and the same missing counts.
+// hold each shown record once and the same missing counts (in soaks up to a minute, or with
+// VANTREL_SOAK_HISTORY=1).
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -112,6 +113,11 @@ double BudgetSeconds() {
   return text != nullptr ? std::atof(text) : 3.0;
 }
 
+bool WithHistory() {
+  const char* text = std::getenv("VANTREL_SOAK_HISTORY");
+  return text != nullptr ? std::string(text) != "0" : BudgetSeconds() <= 60;
+}
+
 TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   testing::TempDir dir;
   WriteDescription(dir);
@@ -123,11 +129,15 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   FaultyHost host(space, loop);
   Control control(host, {loop, loop.Clock(), prompts});
   host.control = &control;
-  // Every row also goes to a record history, which must account for the records alike.
-  std::string historyError;
-  auto recordHistory = history::SqliteHistory::Open(dir.File("soak.db"), historyError);
-  ASSERT_TRUE(recordHistory) << historyError;
-  control.AddRowSink(recordHistory.get());
+  // Every row also goes to a record history, which must account for the records alike (not
+  // in a long soak unless asked: it would fill the disk).
+  std::unique_ptr<history::SqliteHistory> recordHistory;
+  if (WithHistory()) {
+    std::string historyError;
+    recordHistory = history::SqliteHistory::Open(dir.File("soak.db"), historyError);
+    ASSERT_TRUE(recordHistory) << historyError;
+    control.AddRowSink(recordHistory.get());
+  }
   control.SetResourcePath(dir.Path().string());
   control.SetStartRegister(program.Config().startRegister);
   control.SetPCDStatusCol(true);
@@ -191,6 +201,11 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
       }
       ++expectedNext;
       ++totals.shown;
+    }
+    // A long soak sees hundreds of millions of rows: only the unread ones are kept.
+    if (!broken) {
+      host.lines.clear();
+      seen = 0;
     }
   };
   auto caughtUp = [&] { return totals.shown + totals.missed == program.RecordsWritten(); };
@@ -256,6 +271,7 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   EXPECT_GT(totals.outages, 0);
   EXPECT_TRUE(host.errors.empty()) << host.errors.front();
 
+  if (!recordHistory) return;
   control.RemoveRowSink(recordHistory.get());
   recordHistory->Flush();
   EXPECT_EQ(recordHistory->LastError(), "");
