@@ -34,7 +34,8 @@ constexpr int kMeasuredSeconds = 10;
 
 vantrel::hosts::TraceProgramConfig StreamingProgram() {
   vantrel::hosts::TraceProgramConfig config = vantrel::hosts::PumpStationProgram();
-  config.ringRecords = 1000;  // room for several bursts between two polls
+  // Room for several bursts between two polls, within the 4096 registers of a buffer.
+  config.ringRecords = 600;
   return config;
 }
 
