@@ -85,15 +85,17 @@ TEST(SqliteHistory, AColumnBetweenTwoTimesIsOnePlainQuery) {
     history->Flush();
     EXPECT_EQ(history->LastError(), "");
   }
-  EXPECT_EQ(Query(path,
-                  "SELECT pc_time, value FROM record_values WHERE buffer_key = 'PMP1' AND caption = "
-                  "'Pump state' AND pc_time BETWEEN '2026-11-23 09:00:02' AND '2026-11-23 "
-                  "09:00:05' ORDER BY pc_time"),
-            (Rows{{"text:2026-11-23 09:00:02.250", "text:Caf\xC3\xA9 \"stop\""},
-                  {"text:2026-11-23 09:00:04.250", "text:Idle"}}));
+  EXPECT_EQ(
+      Query(path,
+            "SELECT pc_time, value FROM record_values WHERE buffer_key = 'PMP1' AND caption = "
+            "'Pump state' AND pc_time BETWEEN '2026-11-23 09:00:02' AND '2026-11-23 "
+            "09:00:05' ORDER BY pc_time"),
+      (Rows{{"text:2026-11-23 09:00:02.250", "text:Caf\xC3\xA9 \"stop\""},
+            {"text:2026-11-23 09:00:04.250", "text:Idle"}}));
   // Numbers are numbers, raw values are kept, marker rows are rows of their own.
   EXPECT_EQ(
-      Query(path, "SELECT value, raw FROM record_values WHERE caption = 'Level' ORDER BY record_number"),
+      Query(path,
+            "SELECT value, raw FROM record_values WHERE caption = 'Level' ORDER BY record_number"),
       (Rows{{"real:12.5", "integer:1250"},
             {"integer:-3", "integer:-3"},
             {"integer:0", "integer:0"}}));
@@ -121,8 +123,9 @@ TEST(SqliteHistory, AChangedDescriptionKeepsTheRowsOfTheOldOne) {
             (Rows{{"integer:1", "integer:1"}, {"integer:2", "integer:1"}}));
   EXPECT_EQ(Query(path, "SELECT value FROM record_values WHERE caption = 'Level' ORDER BY pc_time"),
             (Rows{{"integer:5"}, {"integer:6"}}));
-  EXPECT_EQ(Query(path, "SELECT value FROM record_values WHERE caption = 'Pump state' ORDER BY pc_time"),
-            (Rows{{"text:Running"}, {"text:Idle"}}));
+  EXPECT_EQ(
+      Query(path, "SELECT value FROM record_values WHERE caption = 'Pump state' ORDER BY pc_time"),
+      (Rows{{"text:Running"}, {"text:Idle"}}));
 }
 
 TEST(SqliteHistory, FilesThatAreNotOursAreRefusedAndLeftAlone) {

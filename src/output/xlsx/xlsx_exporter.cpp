@@ -125,8 +125,7 @@ void WriteDescription(Writes& check, lxw_worksheet* sheet, const Formats& format
 
 }  // namespace
 
-bool XlsxExporter::Export(const ExportSource& source, const std::string& path,
-                          std::string& error) {
+bool XlsxExporter::Export(const ExportSource& source, const std::string& path, std::string& error) {
   lxw_workbook_options options{};
   options.constant_memory = LXW_TRUE;
   lxw_workbook* workbook = workbook_new_opt(path.c_str(), &options);
