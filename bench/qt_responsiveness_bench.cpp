@@ -114,7 +114,8 @@ void BM_TimerDelayWhileRowsStream(benchmark::State& state) {
   for (auto _ : state) {
     QTimer writer;
     writer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&writer, &QTimer::timeout, [&] { rig.program.WriteRecords(kRecordsPerBurst); });
+    QObject::connect(&writer, &QTimer::timeout,
+                     [&] { rig.program.WriteRecords(kRecordsPerBurst); });
     QTimer probe;
     probe.setTimerType(Qt::PreciseTimer);
     QElapsedTimer since;

@@ -1,0 +1,263 @@
+// The viewer: its command line, its controller choice, the settings dialog, a window
+// reading the virtual controller end to end, and the program itself (screenshots, and the
+// advice when there is no display).
+
+#include <QAbstractItemModel>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QImage>
+#include <QLineEdit>
+#include <QProcess>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <vector>
+
+#include "controller_choice.h"
+#include "gui_thread_post.h"
+#include "settings_dialog.h"
+#include "vantrel/control.h"
+#include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
+#include "viewer_options.h"
+#include "viewer_window.h"
+
+using namespace vantrel;
+using namespace vantrel::viewer;
+
+namespace {
+
+ParseOutcome Parse(std::vector<std::string> args, ViewerOptions& options) {
+  args.insert(args.begin(), "vantrel-viewer");
+  std::vector<char*> argv;
+  for (std::string& arg : args)
+    argv.push_back(arg.data());
+  return ParseViewerOptions(static_cast<int>(argv.size()), argv.data(), options);
+}
+
+struct Run {
+  int exitCode = -1;
+  QString output;
+};
+
+Run RunViewer(const QStringList& arguments, const QProcessEnvironment& environment) {
+  QProcess viewer;
+  viewer.setProcessEnvironment(environment);
+  viewer.start(QStringLiteral(VANTREL_VIEWER), arguments);
+  Run run;
+  if (!viewer.waitForFinished(60000)) {
+    viewer.kill();
+    viewer.waitForFinished();
+    return run;
+  }
+  run.exitCode = viewer.exitStatus() == QProcess::NormalExit ? viewer.exitCode() : -1;
+  run.output =
+      QString::fromLocal8Bit(viewer.readAllStandardOutput() + viewer.readAllStandardError());
+  return run;
+}
+
+QProcessEnvironment Offscreen() {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  return environment;
+}
+
+// Share of the pixels of `area` that are much darker than the background: text and lines.
+double InkShare(const QImage& image, const QRect& area) {
+  int dark = 0;
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x)
+      dark += qGray(image.pixel(x, y)) < 110 ? 1 : 0;
+  }
+  return static_cast<double>(dark) / (area.width() * area.height());
+}
+
+}  // namespace
+
+class ViewerTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() {
+    QCoreApplication::setOrganizationName(QStringLiteral("VantrelTests"));
+    QCoreApplication::setApplicationName(QStringLiteral("viewer_test"));
+    QVERIFY(settingsDir_.isValid());
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settingsDir_.path());
+  }
+
+  void theCommandLineIsReadAsVantrelRunReadsIt() {
+    ViewerOptions o;
+    const ParseOutcome outcome =
+        Parse({"--interval", "250", "--max-rows", "1000", "--date-col", "--export", "/tmp/t.xls",
+               "--index-file", "1", "--screenshot", "out.png", "--after-records", "12",
+               "--graph-columns", "Level cm,Pressure"},
+              o);
+    QVERIFY(!outcome.exitCode.has_value());
+    QCOMPARE(o.controller, std::string("sim"));
+    QCOMPARE(o.interval, std::optional<int32_t>(250));
+    QCOMPARE(o.maxRows, std::optional<int32_t>(1000));
+    QVERIFY(o.dateColumn && !o.timeColumn);
+    QCOMPARE(o.indexFile, std::optional<int16_t>(1));
+    QCOMPARE(o.screenshot, std::string("out.png"));
+    QCOMPARE(o.afterRecords, 12);
+    QCOMPARE(o.graphColumns, (std::vector<std::string>{"Level cm", "Pressure"}));
+  }
+
+  void aWrongCommandLineEndsTheProgram() {
+    ViewerOptions o;
+    ParseOutcome outcome = Parse({"--size", "large"}, o);
+    QCOMPARE(outcome.exitCode, std::optional<int>(2));
+    QVERIFY(QString::fromStdString(outcome.message).contains(QStringLiteral("WIDTHxHEIGHT")));
+    outcome = Parse({"--no-such-option"}, o);
+    QVERIFY(outcome.exitCode.value_or(0) != 0);
+    outcome = Parse({"--help"}, o);
+    QCOMPARE(outcome.exitCode, std::optional<int>(0));
+    QVERIFY(QString::fromStdString(outcome.message).contains(QStringLiteral("--screenshot")));
+    QCOMPARE(ParseSize("1200x800"), (std::optional<std::pair<int, int>>({1200, 800})));
+    QCOMPARE(ParseSize("1200x"), std::nullopt);
+    QCOMPARE(ParseSize("50x50"), std::nullopt);
+  }
+
+  void theVirtualControllerIsTheDefaultChoice() {
+    ManualEventLoop loop;
+    QObject context;
+    ViewerOptions o;
+    o.recordIntervalMs = 250;
+    std::string error;
+    std::vector<std::vector<int32_t>> answers;
+    hosts::LinkHandlers handlers;
+    handlers.answer = [&](std::vector<int32_t> words) { answers.push_back(std::move(words)); };
+    auto opened =
+        OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), std::move(handlers), error);
+    QVERIFY2(opened.has_value(), error.c_str());
+    QVERIFY(opened->embedded != nullptr);
+    QCOMPARE(opened->defaultStartRegister, int16_t{100});
+    QVERIFY(opened->runningAtStart);
+    // The start register holds the buffer's address; the answer comes a turn later.
+    opened->link->ReadRegisters(100, 1);
+    QVERIFY(answers.empty());
+    QTRY_COMPARE(answers.size(), size_t{1});
+    QCOMPARE(answers.front(), (std::vector<int32_t>{1000}));
+    // The program writes a record every 250 ms of its clock.
+    loop.Advance(1000);
+    QCOMPARE(opened->embedded->Program().RecordsWritten(), int64_t{4});
+  }
+
+  void otherControllersAreRefusedWithAReason() {
+    ManualEventLoop loop;
+    QObject context;
+    ViewerOptions o;
+    std::string error;
+    o.controller = "modbus://127.0.0.1:1502";
+    QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
+    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("vantrel run")));
+    o.controller = "serial";
+    QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
+    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("unknown controller")));
+    o.controller = "sim";
+    o.programFile = "/nonexistent/program.ini";
+    QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
+  }
+
+  void theSettingsDialogSetsOnlyWhatChanged() {
+    ScriptedPrompts prompts;
+    qt::VantrelWidget widget(prompts);
+    Control& control = widget.control();
+    QStringList changed;
+    connect(&widget, &qt::VantrelWidget::PropertyChanged, this,
+            [&](const QString& name) { changed << name; });
+    SettingsDialog unchanged(control);
+    unchanged.Apply();
+    QVERIFY(changed.isEmpty());
+
+    SettingsDialog dialog(control);
+    QCOMPARE(dialog.Interval()->value(), 1000);
+    dialog.Interval()->setValue(250);
+    dialog.MaxRows()->setValue(2000);
+    dialog.DateStampCol()->setChecked(true);
+    dialog.ExportFile()->setText(QString::fromUtf8("/tmp/\u00E9t\u00E9.xls"));
+    dialog.IndexFile()->setCurrentIndex(2);
+    dialog.Apply();
+    QCOMPARE(control.Interval(), 250);
+    QCOMPARE(control.MaxRows(), 2000);
+    QVERIFY(control.DateStampCol());
+    QCOMPARE(control.ExportFile(), std::string("/tmp/\xE9t\xE9.xls"));
+    QCOMPARE(control.IndexFile(), int16_t{2});
+    QCOMPARE(changed,
+             (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile"}));
+  }
+
+  void aWindowReadsTheVirtualControllerEndToEnd() {
+    ViewerOptions o;
+    o.recordIntervalMs = 10;
+    o.interval = 50;
+    o.timeColumn = true;
+    ViewerWindow window(o);
+    std::string error;
+    QVERIFY2(window.Open(error), error.c_str());
+    window.show();
+    const QAbstractItemModel* model = window.Widget().Table()->model();
+    QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
+    QCOMPARE(window.Widget().control().ReadState() >= 3, true);
+    QCOMPARE(window.Widget().control().StartRegister(), int16_t{100});
+    QVERIFY(window.Widget().control().TimeStampCol());
+
+    // The settings go to the user's settings, read again by the next window.
+    window.Widget().control().SetMaxGraph(60);
+    window.SaveProperties();
+    QSettings settings;
+    QCOMPARE(settings.value(QStringLiteral("Control/MaxGraph")).toString(), QStringLiteral("60"));
+    ViewerWindow next(ViewerOptions{});
+    QVERIFY(next.Open(error));
+    QCOMPARE(next.Widget().control().MaxGraph(), 60);
+  }
+
+  void theViewerRendersTheTableAfterTheRowsAskedFor() {
+    QTemporaryDir dir;
+    const QString shot = dir.filePath(QStringLiteral("table.png"));
+    const Run run = RunViewer({"--screenshot", shot, "--after-records", "30"}, Offscreen());
+    QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+    QVERIFY(run.output.contains(QStringLiteral("30 rows shown")));
+    QImage image(shot);
+    QVERIFY(!image.isNull());
+    // The window is sized for 30 rows; its table area carries text.
+    QVERIFY(image.height() > 600 && image.width() > 700);
+    QVERIFY(InkShare(image, QRect(40, 100, image.width() - 80, image.height() - 200)) > 0.02);
+  }
+
+  void theViewerRendersTheGraphOfTheColumnsNamed() {
+    QTemporaryDir dir;
+    const QString shot = dir.filePath(QStringLiteral("graph.png"));
+    Run run = RunViewer({"--screenshot", shot, "--after-records", "25", "--graph-columns",
+                         "Level cm,Pressure", "--size", "900x600"},
+                        Offscreen());
+    QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+    const QImage image(shot);
+    QCOMPARE(image.size(), QSize(900, 600));
+
+    run = RunViewer({"--screenshot", shot, "--graph-columns", "Nothing"}, Offscreen());
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY(run.output.contains(QStringLiteral("no data column is named \"Nothing\"")));
+  }
+
+  void withoutADisplayTheViewerPointsElsewhere() {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    const Run run = RunViewer({}, environment);
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY(run.output.contains(QStringLiteral("vantrel run")));
+    QVERIFY(run.output.contains(QStringLiteral("QT_QPA_PLATFORM=offscreen")));
+  }
+
+ private:
+  QTemporaryDir settingsDir_;
+};
+
+QTEST_MAIN(ViewerTest)
+#include "viewer_test.moc"

@@ -1,0 +1,233 @@
+// The widget's units that stand alone: text and colour conversion, the surface geometry,
+// the table model adapter, clipboard text and the value conversions.
+
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTest>
+
+#include "clipboard_text.h"
+#include "record_table_model.h"
+#include "surface_geometry.h"
+#include "text_conversion.h"
+#include "value_panel.h"
+#include "vantrel/table_model.h"
+
+using namespace vantrel::qt;
+
+namespace {
+
+// A table as the control builds it: record number, three stamp columns, two data columns
+// and the two hidden lines.
+vantrel::TableModel SmallTable() {
+  vantrel::TableModel table;
+  table.SetColumnCount(8);
+  const char* captions[] = {"", "PC Date", "PC Time", "PCD", "Level", "Flow", "", ""};
+  for (int c = 0; c < 8; ++c)
+    table.SetText(0, c, captions[c]);
+  return table;
+}
+
+}  // namespace
+
+class WidgetUnitsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void textsConvertBetweenWindows1252AndUnicode() {
+    QCOMPARE(ToQString("Pump North"), QStringLiteral("Pump North"));
+    // 0x80 is the euro sign in Windows-1252, 0xE9 an e with acute accent (as in Latin-1).
+    QCOMPARE(ToQString("\x80 \xE9t\xE9"), QString::fromUtf8("\u20AC \u00E9t\u00E9"));
+    QCOMPARE(FromQString(QString::fromUtf8("\u20AC \u00E9t\u00E9")), std::string("\x80 \xE9t\xE9"));
+    QCOMPARE(FromQString(QString::fromUtf8("\u4E2D")), std::string("?"));
+  }
+
+  void coloursAreReadAsBlueGreenRed() {
+    QCOMPARE(ColorFromBgr(0), QColor(0, 0, 0));
+    QCOMPARE(ColorFromBgr(255), QColor(255, 0, 0));
+    QCOMPARE(ColorFromBgr(65535), QColor(255, 255, 0));
+    QCOMPARE(ColorFromBgr(0xFF0000), QColor(0, 0, 255));
+  }
+
+  void theSurfaceIsPlacedByTheControlsLayout() {
+    const SurfaceGeometry g = PlaceSurface(6000, 4000);
+    QCOMPARE(g.twips.frame, (vantrel::TwipsRect{0, 0, 5820, 3835}));
+    QCOMPARE(g.twips.grid, (vantrel::TwipsRect{120, 480, 5500, 2665}));
+    QCOMPARE(g.twips.chart, (vantrel::TwipsRect{120, 480, 5520, 2685}));
+    QCOMPARE(g.twips.bottomLineTop, 3460);
+    QCOMPARE(g.frame, QRect(0, 0, 388, 256));
+    QCOMPARE(g.status.top(), 231);
+    QCOMPARE(g.rowCount.top(), 231);
+    // The title keeps its place and ends at the frame's right edge, less the margin.
+    QCOMPARE(g.title.left(), 144);
+    QCOMPARE(g.title.left() + g.title.width(), 380);
+    for (const QSize size : {QSize(500, 1335), QSize(9000, 7000), QSize(20000, 3000)}) {
+      const SurfaceGeometry s = PlaceSurface(size.width(), size.height());
+      QCOMPARE(s.chart.topLeft(), s.grid.topLeft());
+    }
+    // Too small for the margins: nothing gets a negative size.
+    const SurfaceGeometry tiny = PlaceSurface(300, 600);
+    QCOMPARE(tiny.grid.size(), QSize(0, 0));
+    QCOMPARE(tiny.title.width(), 0);
+  }
+
+  void twipsConvertAtFifteenPerPixel() {
+    QCOMPARE(PixelsFromTwips(700), 47);
+    QCOMPARE(PixelsFromTwips(1100), 73);
+    QCOMPARE(PixelsFromTwips(7), 0);
+    QCOMPARE(PixelsFromTwips(8), 1);
+    QCOMPARE(TwipsFromPixels(20), 300);
+  }
+
+  void theModelShowsTheTableWithoutItsHeaderRowAndNumberColumn() {
+    vantrel::TableModel table = SmallTable();
+    RecordTableModel model(table);
+    QCOMPARE(model.columnCount(), 7);
+    QCOMPARE(model.rowCount(), 0);
+    table.AddItem("1\t01/01/26\t08:00:00\tRun\t12.5\t0100\t125;256\t;");
+    table.AddItem("2\t01/01/26\t08:00:01\tRun\t12.6\t0101\t126;257\t;");
+    model.Flush();
+    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(model.headerData(0, Qt::Horizontal).toString(), QStringLiteral("PC Date"));
+    QCOMPARE(model.headerData(3, Qt::Horizontal).toString(), QStringLiteral("Level"));
+    QCOMPARE(model.headerData(1, Qt::Vertical).toString(), QStringLiteral("2"));
+    QCOMPARE(model.index(1, 3).data().toString(), QStringLiteral("12.6"));
+    QCOMPARE(model.index(0, 5).data().toString(), QStringLiteral("125;256"));
+
+    table.SetColumnAlignment(4, 7);
+    QCOMPARE(model.index(0, 3).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
+             Qt::AlignRight | Qt::AlignVCenter);
+    QVERIFY(!model.headerData(3, Qt::Horizontal, Qt::BackgroundRole).isValid());
+    table.SetHeaderBackColor(4, 65535);
+    QCOMPARE(model.headerData(3, Qt::Horizontal, Qt::BackgroundRole).value<QBrush>().color(),
+             QColor(255, 255, 0));
+  }
+
+  void theModelFollowsAppendsRemovalsAndResets() {
+    vantrel::TableModel table = SmallTable();
+    RecordTableModel model(table);
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QSignalSpy header(&model, &QAbstractItemModel::headerDataChanged);
+    for (int i = 1; i <= 3; ++i)
+      table.AddItem(std::to_string(i) + "\ta\tb\tc\td\te\tf\tg");
+    // Appended rows are told on the next turn, together.
+    QCOMPARE(model.rowCount(), 0);
+    QTRY_COMPARE(model.rowCount(), 3);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.last().at(1).toInt(), 0);
+    QCOMPARE(inserted.last().at(2).toInt(), 2);
+    table.RemoveRow(2);  // not at the front: told at once
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.last().at(1).toInt(), 1);
+    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(model.headerData(1, Qt::Vertical).toString(), QStringLiteral("3"));
+    table.SetText(2, 4, "x");
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.last().at(0).toModelIndex(), model.index(1, 3));
+    table.SetText(0, 5, "Flow l/s");
+    QCOMPARE(header.last().at(1).toInt(), 4);
+    table.SetRowCount(1);
+    model.Flush();
+    QCOMPARE(model.rowCount(), 0);
+    table.SetColumnCount(10);
+    QCOMPARE(reset.count(), 1);
+    QCOMPARE(model.columnCount(), 9);
+    model.Detach();
+    table.AddItem("9");
+    QCOMPARE(model.rowCount(), 0);
+  }
+
+  void rowsDroppedAndAppendedAtTheLimitAreToldAsOneRemovalAndOneInsertion() {
+    vantrel::TableModel table = SmallTable();
+    RecordTableModel model(table);
+    for (int i = 1; i <= 4; ++i)
+      table.AddItem(std::to_string(i));
+    model.Flush();
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    // A table at its limit of 4 rows takes 3 more: each drops the oldest first.
+    for (int i = 5; i <= 7; ++i) {
+      table.RemoveRow(1);
+      table.AddItem(std::to_string(i));
+    }
+    // Until told, the views see the rows they know, the dropped ones empty.
+    QCOMPARE(model.rowCount(), 4);
+    QVERIFY(!model.headerData(0, Qt::Vertical).isValid());
+    QCOMPARE(model.headerData(3, Qt::Vertical).toString(), QStringLiteral("4"));
+    model.Flush();
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.last().at(2).toInt(), 2);
+    QCOMPARE(inserted.count(), 1);
+    QCOMPARE(inserted.last().at(1).toInt(), 1);
+    QCOMPARE(inserted.last().at(2).toInt(), 3);
+    QStringList numbers;
+    for (int row = 0; row < model.rowCount(); ++row)
+      numbers << model.headerData(row, Qt::Vertical).toString();
+    QCOMPARE(numbers, (QStringList{"4", "5", "6", "7"}));
+
+    // More rows dropped than were told: the appended ones untold are dropped with them.
+    for (int i = 8; i <= 13; ++i) {
+      table.RemoveRow(1);
+      table.AddItem(std::to_string(i));
+    }
+    model.Flush();
+    numbers.clear();
+    for (int row = 0; row < model.rowCount(); ++row)
+      numbers << model.headerData(row, Qt::Vertical).toString();
+    QCOMPARE(numbers, (QStringList{"10", "11", "12", "13"}));
+  }
+
+  void flexGridAlignmentCodesMapToQt() {
+    QCOMPARE(AlignmentFromCode(0), Qt::AlignLeft | Qt::AlignTop);
+    QCOMPARE(AlignmentFromCode(1), Qt::AlignLeft | Qt::AlignVCenter);
+    QCOMPARE(AlignmentFromCode(4), Qt::AlignHCenter | Qt::AlignVCenter);
+    QCOMPARE(AlignmentFromCode(8), Qt::AlignRight | Qt::AlignBottom);
+    QCOMPARE(AlignmentFromCode(9), Qt::AlignLeft | Qt::AlignVCenter);
+  }
+
+  void selectionTextSpansTheSelectionAndSkipsHiddenColumns() {
+    QStandardItemModel model(4, 4);
+    for (int r = 0; r < 4; ++r) {
+      for (int c = 0; c < 4; ++c)
+        model.setItem(r, c, new QStandardItem(QStringLiteral("%1%2").arg(QChar('a' + c)).arg(r)));
+    }
+    const QModelIndexList cells{model.index(1, 1), model.index(1, 3), model.index(2, 2)};
+    const auto none = [](int) { return false; };
+    QCOMPARE(SelectionText(model, cells, none), QStringLiteral("b1\t\td1\n\tc2\t"));
+    const auto hideC = [](int column) { return column == 2; };
+    QCOMPARE(SelectionText(model, cells, hideC), QStringLiteral("b1\td1\n\t"));
+    QCOMPARE(SelectionText(model, {}, none), QString());
+  }
+
+  void rawValuesConvertToEveryBase() {
+    const RawValueTexts flow = ConvertRawValue(256);
+    QCOMPARE(flow.decimal, QStringLiteral("256"));
+    QCOMPARE(flow.hexadecimal, QStringLiteral("00000100"));
+    QCOMPARE(flow.binary, QStringLiteral("00000000 00000000 00000001 00000000"));
+    const RawValueTexts text = ConvertRawValue(0x4C4F5437);  // "LOT7"
+    QCOMPARE(text.characters, QStringLiteral("'LOT7'"));
+    QCOMPARE(text.hexadecimal, QStringLiteral("4C4F5437"));
+    const RawValueTexts negative = ConvertRawValue(-2);
+    QCOMPARE(negative.decimal, QStringLiteral("-2"));
+    QCOMPARE(negative.hexadecimal, QStringLiteral("FFFFFFFE"));
+    QCOMPARE(negative.binary, QStringLiteral("11111111 11111111 11111111 11111110"));
+    QCOMPARE(ConvertRawValue(4294967295).hexadecimal, QStringLiteral("FFFFFFFF"));
+  }
+
+  void theRawValueOfACellIsItsPlaceInTheRawLine() {
+    QCOMPARE(RawValueOfCell("1;0;-38;256", 0), std::optional<int64_t>(1));
+    QCOMPARE(RawValueOfCell("1;0;-38;256", 2), std::optional<int64_t>(-38));
+    QCOMPARE(RawValueOfCell("1;0;-38;256", 3), std::optional<int64_t>(256));
+    QCOMPARE(RawValueOfCell("1;0;-38;256", 4), std::nullopt);
+    QCOMPARE(RawValueOfCell("1;;3", 1), std::nullopt);
+    QCOMPARE(RawValueOfCell("1;12,5;3", 1), std::nullopt);
+    QCOMPARE(RawValueOfCell("", 0), std::nullopt);
+    QVERIFY(RawLineAligned("1;0;-38", 3));
+    QVERIFY(!RawLineAligned("1;0;-38;1280", 3));
+  }
+};
+
+QTEST_MAIN(WidgetUnitsTest)
+#include "widget_units_test.moc"
