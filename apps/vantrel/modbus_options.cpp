@@ -6,7 +6,7 @@ namespace vantrel::cli {
 
 void AddModbusOptions(CLI::App& command, ModbusOptions& o) {
   command.add_option("--unit", o.unit, "Modbus unit (slave) id")
-      ->check(CLI::Range(0, 255))
+      ->check(CLI::Range(0, 247))
       ->capture_default_str();
   command
       .add_option("--word-order", o.wordOrder,

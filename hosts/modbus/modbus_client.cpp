@@ -1,17 +1,42 @@
 #include "vantrel/hosts/modbus/modbus_client.h"
 
 #include <modbus.h>
+#include <sys/socket.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <thread>
 
-namespace vantrel::hosts::modbus {
+#include "vantrel/hosts/modbus/retry_backoff.h"
 
-// What the host's thread and the worker share. Tasks posted to the host hold it too, so
-// that one arriving after the client is gone finds `alive` false and does nothing.
+namespace vantrel::hosts::modbus {
+namespace {
+
+struct Request {
+  uint64_t generation = 0;
+  std::vector<HoldingRead> reads;
+};
+
+enum class Outcome { Answered, LinkFailed, Refused };
+
+bool IsExceptionResponse(int error) {
+  return error >= EMBXILFUN && error <= EMBXGTAR;
+}
+
+void SetTimeout(modbus_t* link, int ms,
+                int (*setter)(modbus_t*, uint32_t seconds, uint32_t microseconds)) {
+  const auto total = static_cast<uint32_t>(std::max(ms, 1));
+  setter(link, total / 1000, (total % 1000) * 1000);
+}
+
+}  // namespace
+
+// What the host's thread and the worker share. Tasks posted to the host hold it too, so that
+// one arriving after the client is gone finds `alive` false and does nothing.
 struct ModbusClient::Shared : std::enable_shared_from_this<ModbusClient::Shared> {
   Endpoint endpoint;
   int unit = 1;
@@ -22,24 +47,54 @@ struct ModbusClient::Shared : std::enable_shared_from_this<ModbusClient::Shared>
 
   std::mutex mutex;
   std::condition_variable wake;
-  struct Request {
-    uint64_t generation = 0;
-    std::vector<HoldingRead> reads;
-  };
-  std::optional<Request> waiting;  // guarded by mutex
-  bool stopping = false;           // guarded by mutex
-  uint64_t latest = 0;             // host thread only: the newest request's generation
-  bool alive = true;               // host thread only
-  std::optional<bool> reported;    // worker only: the last connection state reported
+  // Guarded by mutex.
+  std::optional<Request> waiting;
+  uint64_t newest = 0;  // the newest request; an older one is neither retried nor answered
+  bool stopping = false;
+  int openSocket = -1;  // the link's socket while it is open, for the destructor to cut short
+
+  bool alive = true;  // host thread only
 
   std::thread worker;
 
   void Run();
-  bool Serve(modbus_t*& link, const Request& request, std::vector<int32_t>& values);
-  void Report(bool connected);
-  void Deliver(uint64_t generation, std::vector<int32_t> values);
+  Outcome Attempt(modbus_t*& link, const Request& request, std::vector<uint16_t>& words,
+                  std::string& why);
+  void Disconnect(modbus_t*& link);
   // Waits `ms` unless stopped meanwhile; false when stopping.
   bool Pause(int ms);
+  bool IsNewest(uint64_t generation) {
+    std::lock_guard lock(mutex);
+    return generation == newest;
+  }
+
+  // Runs `task` on the host's thread, unless the client is gone by then.
+  template <typename Task>
+  void ToHost(Task task) {
+    post([self = shared_from_this(), task = std::move(task)]() mutable {
+      if (self->alive) task(*self);
+    });
+  }
+  void Deliver(uint64_t generation, std::vector<int32_t> values) {
+    ToHost([generation, values = std::move(values)](Shared& self) mutable {
+      // An answer to a request that a newer one replaced is of no use any more.
+      if (self.IsNewest(generation) && self.callbacks.answer) {
+        self.callbacks.answer(std::move(values));
+      }
+    });
+  }
+  void Report(std::optional<bool>& reported, bool connected) {
+    if (reported == connected) return;
+    reported = connected;
+    ToHost([connected](Shared& self) {
+      if (self.callbacks.connection) self.callbacks.connection(connected);
+    });
+  }
+  void Complain(std::string message) {
+    ToHost([message = std::move(message)](Shared& self) {
+      if (self.callbacks.error) self.callbacks.error(message);
+    });
+  }
 };
 
 ModbusClient::ModbusClient(Endpoint endpoint, int unit, ModbusMapping mapping, PostToHost post,
@@ -58,6 +113,8 @@ ModbusClient::~ModbusClient() {
   {
     std::lock_guard lock(shared_->mutex);
     shared_->stopping = true;
+    // Wakes a read waiting for its answer at once; the worker then closes the socket.
+    if (shared_->openSocket >= 0) ::shutdown(shared_->openSocket, SHUT_RDWR);
   }
   shared_->wake.notify_all();
   shared_->worker.join();
@@ -78,17 +135,19 @@ void ModbusClient::ReadDataBlock(int32_t block, int32_t offset, int32_t count) {
 
 void ModbusClient::Submit(std::vector<HoldingRead> reads, std::string error) {
   Shared& s = *shared_;
-  const uint64_t generation = ++s.latest;
-  if (!error.empty()) {
-    // Nothing can be read for this request; the host hears why and no answer comes.
-    s.post([shared = shared_, error = std::move(error)] {
-      if (shared->alive && shared->callbacks.error) shared->callbacks.error(error);
-    });
-    return;
+  if (error.empty() && !IsUnitId(s.unit)) {
+    error = "unit " + std::to_string(s.unit) + " is not a Modbus TCP unit id (0 to 247, or 255)";
   }
   {
     std::lock_guard lock(s.mutex);
-    s.waiting = Shared::Request{generation, std::move(reads)};
+    const uint64_t generation = ++s.newest;
+    // Whatever was asked before is not answered any more, even when this cannot be served.
+    s.waiting.reset();
+    if (error.empty()) s.waiting = Request{generation, std::move(reads)};
+  }
+  if (!error.empty()) {
+    s.Complain(std::move(error));
+    return;
   }
   s.wake.notify_all();
 }
@@ -98,54 +157,54 @@ bool ModbusClient::Shared::Pause(int ms) {
   return !wake.wait_for(lock, std::chrono::milliseconds(ms), [this] { return stopping; });
 }
 
-void ModbusClient::Shared::Report(bool connected) {
-  if (reported == connected) return;
-  reported = connected;
-  post([self = shared_from_this(), connected] {
-    if (self->alive && self->callbacks.connection) self->callbacks.connection(connected);
-  });
-}
-
-void ModbusClient::Shared::Deliver(uint64_t generation, std::vector<int32_t> values) {
-  post([self = shared_from_this(), generation, values = std::move(values)]() mutable {
-    // An answer to a request that a newer one replaced is of no use any more.
-    if (!self->alive || generation != self->latest) return;
-    if (self->callbacks.answer) self->callbacks.answer(std::move(values));
-  });
-}
-
-bool ModbusClient::Shared::Serve(modbus_t*& link, const Request& request,
-                                 std::vector<int32_t>& values) {
-  if (link == nullptr) {
-    link = modbus_new_tcp(endpoint.host.c_str(), endpoint.port);
-    if (link == nullptr) return false;
-    modbus_set_slave(link, unit);
-    const auto timeout = static_cast<uint32_t>(timing.responseTimeoutMs);
-    modbus_set_response_timeout(link, timeout / 1000, (timeout % 1000) * 1000);
-    if (modbus_connect(link) != 0) return false;
+void ModbusClient::Shared::Disconnect(modbus_t*& link) {
+  if (link == nullptr) return;
+  {
+    std::lock_guard lock(mutex);
+    openSocket = -1;
   }
-  std::vector<uint16_t> words;
+  modbus_close(link);
+  modbus_free(link);
+  link = nullptr;
+}
+
+Outcome ModbusClient::Shared::Attempt(modbus_t*& link, const Request& request,
+                                      std::vector<uint16_t>& words, std::string& why) {
+  if (link == nullptr) {
+    // A name is looked up here, an address taken as it is; IPv4 and IPv6 alike.
+    link = modbus_new_tcp_pi(endpoint.host.c_str(), std::to_string(endpoint.port).c_str());
+    if (link == nullptr) return Outcome::LinkFailed;
+    modbus_set_slave(link, unit);
+    SetTimeout(link, timing.responseTimeoutMs, modbus_set_response_timeout);
+    SetTimeout(link, timing.responseTimeoutMs, modbus_set_byte_timeout);
+    if (modbus_connect(link) != 0) return Outcome::LinkFailed;
+    std::lock_guard lock(mutex);
+    if (stopping) return Outcome::LinkFailed;
+    openSocket = modbus_get_socket(link);
+  }
+  words.clear();
   for (const HoldingRead& read : request.reads) {
     const size_t at = words.size();
     words.resize(at + static_cast<size_t>(read.words));
-    if (modbus_read_registers(link, read.address, read.words, words.data() + at) != read.words) {
-      return false;
+    if (modbus_read_registers(link, read.address, read.words, words.data() + at) == read.words) {
+      continue;
     }
+    const int error = errno;
+    if (!IsExceptionResponse(error)) return Outcome::LinkFailed;
+    why = "the controller refused to read holding registers " + std::to_string(read.address) +
+          " to " + std::to_string(read.address + read.words - 1) + ": " + modbus_strerror(error);
+    return Outcome::Refused;
   }
-  values = mapping.Join(words);
-  return true;
+  return Outcome::Answered;
 }
 
 void ModbusClient::Shared::Run() {
   modbus_t* link = nullptr;
-  auto drop = [&link] {
-    if (link == nullptr) return;
-    modbus_close(link);
-    modbus_free(link);
-    link = nullptr;
-  };
-  int retryMs = timing.firstRetryMs;
+  RetryBackoff backoff(timing.firstRetryMs, timing.longestRetryMs);
   std::optional<Request> current;
+  std::optional<bool> reported;  // the connection state the host last heard of
+  std::string refusal;           // the exception response the host last heard of
+  std::vector<uint16_t> words;
   while (true) {
     {
       std::unique_lock lock(mutex);
@@ -156,22 +215,37 @@ void ModbusClient::Shared::Run() {
         current = std::move(waiting);
         waiting.reset();
       }
+      if (current->generation != newest) {
+        current.reset();
+        continue;
+      }
     }
-    std::vector<int32_t> values;
-    if (Serve(link, *current, values)) {
-      Report(true);
-      Deliver(current->generation, std::move(values));
+    if (current->reads.empty()) {
+      // Nothing to read proves nothing about the controller either way.
+      Deliver(current->generation, {});
       current.reset();
-      retryMs = timing.firstRetryMs;
+      continue;
+    }
+    std::string why;
+    const Outcome outcome = Attempt(link, *current, words, why);
+    if (outcome == Outcome::Answered) {
+      Report(reported, true);
+      Deliver(current->generation, mapping.Join(words));
+      current.reset();
+      backoff.Reset();
+      refusal.clear();
       continue;
     }
     // Whatever failed, the link is not trusted again: a fresh connection for the retry.
-    drop();
-    Report(false);
-    if (!Pause(retryMs)) break;
-    retryMs = std::min(retryMs * 2, timing.longestRetryMs);
+    Disconnect(link);
+    Report(reported, false);
+    if (outcome == Outcome::Refused && why != refusal) {
+      refusal = why;
+      Complain(why);
+    }
+    if (!Pause(backoff.Next())) break;
   }
-  drop();
+  Disconnect(link);
 }
 
 }  // namespace vantrel::hosts::modbus

@@ -1,132 +1,182 @@
 #include "vantrel/hosts/modbus/modbus_server.h"
 
-#include <arpa/inet.h>
-#include <modbus.h>
+#include <netdb.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
+
+#include "server_requests.h"
 
 namespace vantrel::hosts::modbus {
 namespace {
 
-constexpr int kReadHoldingRegisters = 3;
-constexpr int kPendingConnections = 8;
+constexpr int kPendingConnections = 16;
+constexpr size_t kReceiveChunk = 4096;
+// About 250 full replies: a client that lets more pile up is not reading them.
+constexpr size_t kMostUnsent = 64 * 1024;
+
+std::string SystemError(const std::string& what, int error) {
+  return what + ": " + std::strerror(error);
+}
+
+int BoundPort(int fd) {
+  sockaddr_storage bound{};
+  socklen_t length = sizeof bound;
+  if (::getsockname(fd, reinterpret_cast<sockaddr*>(&bound), &length) != 0) return 0;
+  if (bound.ss_family == AF_INET6) {
+    return ntohs(reinterpret_cast<const sockaddr_in6*>(&bound)->sin6_port);
+  }
+  return ntohs(reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
+}
 
 }  // namespace
-
-// The libmodbus context the server parses requests and builds replies with; each client's
-// socket is set into it in turn.
-struct ModbusServer::Context {
-  modbus_t* ctx = nullptr;
-  ~Context() {
-    if (ctx != nullptr) modbus_free(ctx);
-  }
-};
 
 ModbusServer::ModbusServer(PollEventLoop& loop, const RegisterSpace& space, ModbusMapping mapping)
     : loop_(loop), space_(space), mapping_(std::move(mapping)) {}
 
 ModbusServer::~ModbusServer() {
+  *alive_ = false;
   Close();
+}
+
+template <typename Handler>
+PollEventLoop::FdCallback ModbusServer::Guarded(Handler handler) {
+  return [alive = std::weak_ptr<bool>(alive_), handler](int fd, short events) {
+    const auto token = alive.lock();
+    if (token && *token) handler(fd, events);
+  };
 }
 
 bool ModbusServer::Listen(const std::string& address, int port) {
   Close();
-  context_ = std::make_unique<Context>();
-  context_->ctx = modbus_new_tcp(address.c_str(), port);
-  if (context_->ctx == nullptr) {
-    lastError_ = std::string("cannot create the server: ") + modbus_strerror(errno);
+  lastError_.clear();
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
+  addrinfo* found = nullptr;
+  const std::string service = std::to_string(port);
+  if (const int status = ::getaddrinfo(address.c_str(), service.c_str(), &hints, &found);
+      status != 0) {
+    lastError_ = "cannot listen on " + address + ": " + ::gai_strerror(status);
     return false;
   }
-  // A request whose first bytes have come must be complete within a second.
-  modbus_set_indication_timeout(context_->ctx, 1, 0);
-  listener_ = modbus_tcp_listen(context_->ctx, kPendingConnections);
-  if (listener_ < 0) {
-    lastError_ = modbus_strerror(errno);
-    context_.reset();
-    return false;
+  for (const addrinfo* a = found; a != nullptr && listener_ < 0; a = a->ai_next) {
+    const int fd =
+        ::socket(a->ai_family, a->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, a->ai_protocol);
+    if (fd < 0) {
+      lastError_ = SystemError("cannot open a socket", errno);
+      continue;
+    }
+    // The port can be taken again at once after Close, while old connections linger.
+    const int on = 1;
+    ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    if (::bind(fd, a->ai_addr, a->ai_addrlen) != 0 || ::listen(fd, kPendingConnections) != 0) {
+      lastError_ = SystemError("cannot listen on " + address + ":" + service, errno);
+      ::close(fd);
+      continue;
+    }
+    listener_ = fd;
   }
-  sockaddr_in bound{};
-  socklen_t length = sizeof bound;
-  if (::getsockname(listener_, reinterpret_cast<sockaddr*>(&bound), &length) == 0) {
-    port_ = ntohs(bound.sin_port);
-  }
-  loop_.WatchFd(listener_, PollEventLoop::kReadable, [this](int, short) { Accept(); });
+  ::freeaddrinfo(found);
+  if (listener_ < 0) return false;
+  lastError_.clear();
+  port_ = BoundPort(listener_);
+  loop_.WatchFd(listener_, PollEventLoop::kReadable, Guarded([this](int, short) { Accept(); }));
   return true;
 }
 
 void ModbusServer::Close() {
-  for (const int client : std::vector<int>(clients_))
-    Drop(client);
+  while (!clients_.empty())
+    Drop(clients_.begin()->first);
   if (listener_ >= 0) {
     loop_.UnwatchFd(listener_);
     ::close(listener_);
     listener_ = -1;
   }
-  context_.reset();
 }
 
 void ModbusServer::Accept() {
-  const int client = ::accept(listener_, nullptr, nullptr);
-  if (client < 0) return;  // the connection went away before it was taken
-  clients_.push_back(client);
-  loop_.WatchFd(client, PollEventLoop::kReadable, [this](int fd, short) { Serve(fd); });
+  if (listener_ < 0) return;
+  // Everyone waiting is taken; the loop reports the listener again for later arrivals.
+  while (true) {
+    const int fd = ::accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (fd < 0) return;  // none left, or one went away before it was taken
+    const int on = 1;
+    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    clients_[fd] = Client{};
+    loop_.WatchFd(fd, PollEventLoop::kReadable,
+                  Guarded([this](int client, short events) { Serve(client, events); }));
+  }
 }
 
-void ModbusServer::Drop(int client) {
-  loop_.UnwatchFd(client);
-  ::close(client);
-  clients_.erase(std::remove(clients_.begin(), clients_.end(), client), clients_.end());
+void ModbusServer::Drop(int fd) {
+  loop_.UnwatchFd(fd);
+  ::close(fd);
+  clients_.erase(fd);
 }
 
-void ModbusServer::Serve(int client) {
-  modbus_t* ctx = context_->ctx;
-  modbus_set_socket(ctx, client);
-  uint8_t request[MODBUS_TCP_MAX_ADU_LENGTH];
-  const int length = modbus_receive(ctx, request);
-  if (length <= 0) {
-    // The client closed, sent garbage or stalled mid-request: it is dropped.
-    Drop(client);
-    return;
-  }
-  const int header = modbus_get_header_length(ctx);
-  const int function = request[header];
-  if (function != kReadHoldingRegisters) {
-    if (modbus_reply_exception(ctx, request, MODBUS_EXCEPTION_ILLEGAL_FUNCTION) < 0) {
-      Drop(client);
+bool ModbusServer::Flush(int fd, Client& client) {
+  size_t sent = 0;
+  while (sent < client.unsent.size()) {
+    const ssize_t n = ::send(fd, client.unsent.data() + sent, client.unsent.size() - sent,
+                             MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (n > 0) {
+      sent += static_cast<size_t>(n);
+    } else if (n < 0 && errno == EINTR) {
+      continue;
+    } else if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
+      break;
+    } else {
+      return false;
     }
-    return;
   }
-  const int address = (request[header + 1] << 8) | request[header + 2];
-  const int count = (request[header + 3] << 8) | request[header + 4];
-  // A mapping of exactly the registers asked for, filled from the register space now.
-  modbus_mapping_t* image = modbus_mapping_new_start_address(
-      0, 0, 0, 0, static_cast<unsigned>(address), static_cast<unsigned>(std::max(count, 1)), 0, 0);
-  if (image == nullptr) {
-    Drop(client);
-    return;
+  client.unsent.erase(client.unsent.begin(), client.unsent.begin() + static_cast<long>(sent));
+  if (client.unsent.size() > kMostUnsent) return false;
+  // Writability is watched only while replies wait, or the loop would spin.
+  const bool waiting = !client.unsent.empty();
+  if (waiting != client.watchingWrites) {
+    client.watchingWrites = waiting;
+    const short events =
+        waiting ? PollEventLoop::kReadable | PollEventLoop::kWritable : PollEventLoop::kReadable;
+    loop_.WatchFd(fd, events, Guarded([this](int c, short e) { Serve(c, e); }));
   }
-  for (int i = 0; i < count; ++i) {
-    const auto place = mapping_.Locate(address + i);
-    uint16_t value = 0;
-    if (place) {
-      const int32_t word = place->dataBlock ? space_.DataBlockWord(place->block, place->index)
-                                            : space_.Register(place->index);
-      uint16_t first = 0;
-      uint16_t second = 0;
-      mapping_.Split(word, first, second);
-      value = place->firstHalf ? first : second;
+  return true;
+}
+
+void ModbusServer::Serve(int fd, short events) {
+  const auto it = clients_.find(fd);
+  if (it == clients_.end()) return;  // dropped earlier in this turn of the loop
+  Client& client = it->second;
+  if (events & PollEventLoop::kReadable) {
+    uint8_t chunk[kReceiveChunk];
+    const ssize_t n = ::recv(fd, chunk, sizeof chunk, MSG_DONTWAIT);
+    if (n == 0 || (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
+      Drop(fd);  // the client closed, or its connection broke
+      return;
     }
-    image->tab_registers[i] = value;
+    if (n > 0) client.received.insert(client.received.end(), chunk, chunk + n);
+    size_t used = 0;
+    while (true) {
+      const std::span<const uint8_t> rest(client.received.data() + used,
+                                          client.received.size() - used);
+      const std::optional<size_t> size = FirstRequestSize(rest);
+      if (!size) {
+        Drop(fd);  // not Modbus TCP: nothing it sends later can be trusted to line up
+        return;
+      }
+      if (*size == 0) break;
+      AppendReply(rest.first(*size), space_, mapping_, client.unsent);
+      used += *size;
+    }
+    client.received.erase(client.received.begin(),
+                          client.received.begin() + static_cast<long>(used));
   }
-  // libmodbus checks the count (at most 125) and answers an exception when it is wrong.
-  const int sent = modbus_reply(ctx, request, length, image);
-  modbus_mapping_free(image);
-  if (sent < 0) Drop(client);
+  if (!Flush(fd, client)) Drop(fd);
 }
 
 }  // namespace vantrel::hosts::modbus

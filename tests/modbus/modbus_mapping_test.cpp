@@ -2,115 +2,152 @@
 
 #include <gtest/gtest.h>
 
+#include "vantrel/hosts/modbus/retry_backoff.h"
+
 namespace vantrel::hosts::modbus {
 namespace {
 
-TEST(ModbusEndpoint, HostAndPort) {
+TEST(ModbusOptions, EndpointsUnitsOffsetsAndWordOrders) {
   std::string error;
-  auto e = ParseEndpoint("modbus://10.0.0.7:1502", error);
-  ASSERT_TRUE(e) << error;
-  EXPECT_EQ(e->host, "10.0.0.7");
-  EXPECT_EQ(e->port, 1502);
-  e = ParseEndpoint("modbus://plc-north", error);
-  ASSERT_TRUE(e) << error;
-  EXPECT_EQ(e->port, 502);
-  for (const char* bad : {"tcp://plc:502", "modbus://:502", "modbus://plc:0", "modbus://plc:70000",
-                          "modbus://plc:x"}) {
-    error.clear();
-    EXPECT_FALSE(ParseEndpoint(bad, error)) << bad;
-    EXPECT_FALSE(error.empty()) << bad;
+  for (const auto& [text, host, port] : {std::tuple{"modbus://10.0.0.7:1502", "10.0.0.7", 1502},
+                                         std::tuple{"modbus://plc-north/", "plc-north", 502},
+                                         std::tuple{"modbus://[::1]:1503", "::1", 1503}}) {
+    const auto e = ParseEndpoint(text, error);
+    ASSERT_TRUE(e) << error;
+    EXPECT_EQ(e->host, host);
+    EXPECT_EQ(e->port, port);
   }
+  for (const char* bad : {"tcp://plc:502", "modbus://:502", "modbus://plc:0", "modbus://plc:70000",
+                          "modbus://plc:x", "modbus://plc:", "modbus://[::1", "modbus://[::1]x",
+                          "modbus://plc:502/x", "modbus://p lc"}) {
+    EXPECT_FALSE(ParseEndpoint(bad, error)) << bad;
+    EXPECT_NE(error.find(std::string("'") + bad + "'"), std::string::npos) << error;
+  }
+  EXPECT_FALSE(ParseEndpoint("modbus://::1", error));
+  EXPECT_EQ(error,
+            "an IPv6 address is written in brackets: modbus://[ADDRESS]:PORT, not 'modbus://::1'");
+
+  EXPECT_EQ(ParseUnit("0", error), 0);
+  EXPECT_EQ(ParseUnit("247", error), 247);
+  EXPECT_EQ(ParseUnit("255", error), 255);
+  for (const char* bad : {"248", "254", "256", "-1", "1x", ""})
+    EXPECT_EQ(ParseUnit(bad, error), std::nullopt) << bad;
+  EXPECT_EQ(error, "the unit id is a number from 0 to 247, or 255, not ''");
+
+  ModbusMapping m;
+  ASSERT_TRUE(m.SetRegisterOffset("40000", error));
+  for (const char* bad : {"65536", "-1", "1e3", " 5"})
+    EXPECT_FALSE(m.SetRegisterOffset(bad, error)) << bad;
+  EXPECT_EQ(m.registerOffset, 40000);
+  ASSERT_TRUE(m.SetWordOrder("lo-hi", error));
+  EXPECT_FALSE(m.SetWordOrder("big", error));
+  EXPECT_EQ(error, "the word order is hi-lo or lo-hi, not 'big'");
+  EXPECT_EQ(m.wordOrder, WordOrder::LowHigh);
+}
+
+// The reads of a request: none longer than the protocol carries, pairs whole, in address
+// order without gaps, covering exactly the registers asked for.
+void ExpectWholeCover(const std::vector<HoldingRead>& reads, int32_t address, int32_t registers) {
+  int32_t next = address;
+  for (const HoldingRead& read : reads) {
+    EXPECT_EQ(read.address, next);
+    EXPECT_TRUE(read.words > 0 && read.words <= kMaxReadWords && read.words % 2 == 0);
+    next += read.words;
+  }
+  EXPECT_EQ(next - address, 2 * registers);
 }
 
 TEST(ModbusMapping, RequestsAreSplitWithoutCuttingARegister) {
   ModbusMapping m;
   m.registerOffset = 10;
   std::string error;
-  // 200 registers are 400 holding registers: three full reads of 124 and one of 28.
-  const auto reads = m.RegisterReads(5, 200, error);
-  ASSERT_EQ(reads.size(), 4u) << error;
-  EXPECT_EQ(reads[0].address, 20);
-  for (size_t i = 0; i < 3; ++i)
-    EXPECT_EQ(reads[i].words, 124);
-  EXPECT_EQ(reads[3].address, 20 + 3 * 124);
-  EXPECT_EQ(reads[3].words, 28);
-  EXPECT_EQ(m.RegisterReads(0, 62, error).size(), 1u);
-  EXPECT_EQ(m.RegisterReads(0, 63, error).size(), 2u);
+  for (const int32_t count : {1, 61, 62, 63, 124, 200, 316}) {
+    const auto reads = m.RegisterReads(5, count, error);
+    ExpectWholeCover(reads, 20, count);
+    EXPECT_EQ(reads.size(), static_cast<size_t>((count + 61) / 62)) << count;
+  }
   EXPECT_TRUE(m.RegisterReads(0, 0, error).empty());
+  EXPECT_TRUE(error.empty()) << error;
 }
 
-TEST(ModbusMapping, AddressesOutsideTheSixteenBitSpaceAreRefused) {
+TEST(ModbusMapping, ReadsOutsideTheAddressSpaceOrUnmappedAreErrors) {
   ModbusMapping m;
   std::string error;
-  EXPECT_EQ(m.RegisterReads(32767, 1, error).size(), 1u);
-  EXPECT_TRUE(error.empty());
-  EXPECT_TRUE(m.RegisterReads(32768, 1, error).empty());
-  EXPECT_EQ(error, "holding registers 65536 to 65537 lie outside the Modbus address space");
+  ExpectWholeCover(m.RegisterReads(32767, 1, error), 65534, 1);
+  EXPECT_TRUE(m.RegisterReads(32767, 2, error).empty());
+  EXPECT_EQ(error, "holding registers 65534 to 65537 lie outside the Modbus address space");
   error.clear();
   EXPECT_TRUE(m.RegisterReads(-1, 2, error).empty());
   EXPECT_FALSE(error.empty());
-}
+  error.clear();
+  EXPECT_TRUE(m.RegisterReads(0, -3, error).empty());
+  EXPECT_FALSE(error.empty());
 
-TEST(ModbusMapping, DataBlocksNeedAnAddress) {
-  ModbusMapping m;
-  std::string error;
   ASSERT_TRUE(m.AddDataBlock("12=4000", error)) << error;
-  const auto reads = m.DataBlockReads(12, 3, 2, error);
-  ASSERT_EQ(reads.size(), 1u);
-  EXPECT_EQ(reads[0].address, 4006);
-  EXPECT_EQ(reads[0].words, 4);
+  ExpectWholeCover(m.DataBlockReads(12, 3, 70, error), 4006, 70);
   EXPECT_TRUE(m.DataBlockReads(13, 0, 1, error).empty());
   EXPECT_EQ(error,
-            "data block 13 has no holding register address (map it with --db-map "
-            "13=ADDRESS)");
-  for (const char* bad : {"12", "x=1", "12=", "12=65536", "-1=5", "40000=1"}) {
-    error.clear();
+            "data block 13 has no holding register address (map it with --db-map 13=ADDRESS)");
+  for (const char* bad : {"12", "x=1", "12=", "=5", "12=65536", "-1=5", "40000=1", "1=2=3"})
     EXPECT_FALSE(m.AddDataBlock(bad, error)) << bad;
-    EXPECT_FALSE(error.empty());
-  }
+  EXPECT_EQ(m.dataBlocks, (std::map<int32_t, int32_t>{{12, 4000}}));
 }
 
 TEST(ModbusMapping, WordOrderDecidesWhichHalfComesFirst) {
   ModbusMapping m;
-  const std::vector<uint16_t> words = {0x1234, 0x5678, 0xFFFF, 0xFFFE};
-  EXPECT_EQ(m.Join(words), (std::vector<int32_t>{0x12345678, -2}));
-  uint16_t first = 0;
-  uint16_t second = 0;
-  m.Split(-2, first, second);
-  EXPECT_EQ(first, 0xFFFF);
-  EXPECT_EQ(second, 0xFFFE);
-  std::string error;
-  ASSERT_TRUE(m.SetWordOrder("lo-hi", error));
-  EXPECT_EQ(m.Join(words), (std::vector<int32_t>{0x56781234, static_cast<int32_t>(0xFFFEFFFF)}));
-  m.Split(0x12345678, first, second);
-  EXPECT_EQ(first, 0x5678);
-  EXPECT_EQ(second, 0x1234);
-  EXPECT_FALSE(m.SetWordOrder("big", error));
-  EXPECT_EQ(error, "the word order is hi-lo or lo-hi, not 'big'");
+  ModbusMapping swapped;
+  swapped.wordOrder = WordOrder::LowHigh;
+  const std::vector<uint16_t> words = {0x1234, 0x5678, 0xFFFF, 0xFFFE, 0x8000, 0x0000, 0xAB};
+  EXPECT_EQ(m.Join(words), (std::vector<int32_t>{0x12345678, -2, INT32_MIN}));
+  EXPECT_EQ(swapped.Join(words),
+            (std::vector<int32_t>{0x56781234, static_cast<int32_t>(0xFFFEFFFF), 0x00008000}));
+  uint16_t pair[2] = {};
+  swapped.Split(0x12345678, pair[0], pair[1]);
+  EXPECT_EQ(pair[0], 0x5678);
+  EXPECT_EQ(pair[1], 0x1234);
+  // Splitting and joining again gives the value back, in either order.
+  for (const ModbusMapping* mapping : {&m, &swapped}) {
+    for (const int32_t value : {0, -1, 0x12345678, INT32_MIN, INT32_MAX, 65536}) {
+      mapping->Split(value, pair[0], pair[1]);
+      EXPECT_EQ(mapping->Join(pair), std::vector<int32_t>{value});
+    }
+  }
 }
 
 TEST(ModbusMapping, ServersFindTheRegisterBehindEachAddress) {
   ModbusMapping m;
   m.registerOffset = 100;
-  std::string error;
-  ASSERT_TRUE(m.AddDataBlock("3=5000", error));
-  ASSERT_TRUE(m.AddDataBlock("4=6000", error));
-  EXPECT_FALSE(m.Locate(99));
-  auto p = m.Locate(105);
-  ASSERT_TRUE(p);
-  EXPECT_FALSE(p->dataBlock);
-  EXPECT_EQ(p->index, 2);
-  EXPECT_FALSE(p->firstHalf);
-  p = m.Locate(5004);
-  ASSERT_TRUE(p);
-  EXPECT_TRUE(p->dataBlock);
-  EXPECT_EQ(p->block, 3);
-  EXPECT_EQ(p->index, 2);
-  EXPECT_TRUE(p->firstHalf);
-  p = m.Locate(6001);
-  ASSERT_TRUE(p);
-  EXPECT_EQ(p->block, 4);
-  EXPECT_EQ(p->index, 0);
+  m.dataBlocks = {{3, 5000}, {4, 6000}, {9, 40}, {8, 5000}};
+  // address -> data block (-1: the registers), register or word, which half.
+  struct Case {
+    int32_t address, block, index;
+    bool firstHalf;
+  };
+  // A block below the register offset owns the addresses up to it; the registers own theirs
+  // up to the next block; of two blocks at one address the lower number has it.
+  for (const Case c : {Case{40, 9, 0, true}, Case{99, 9, 29, false}, Case{100, -1, 0, true},
+                       Case{105, -1, 2, false}, Case{4999, -1, 2449, false}, Case{5004, 3, 2, true},
+                       Case{6001, 4, 0, false}, Case{65535, 4, 29767, false}}) {
+    const auto p = m.Locate(c.address);
+    ASSERT_TRUE(p) << c.address;
+    EXPECT_EQ(p->dataBlock ? p->block : -1, c.block) << c.address;
+    EXPECT_EQ(p->index, c.index) << c.address;
+    EXPECT_EQ(p->firstHalf, c.firstHalf) << c.address;
+  }
+  EXPECT_FALSE(m.Locate(39));
+  // A block mapped onto the register offset itself takes the addresses from the registers.
+  m.dataBlocks[1] = 100;
+  EXPECT_TRUE(m.Locate(100)->dataBlock);
+}
+
+TEST(RetryBackoff, DoublesUpToTheLongestAndStartsOverAfterASuccess) {
+  RetryBackoff backoff(100, 2000);
+  std::vector<int> waits;
+  for (int i = 0; i < 7; ++i)
+    waits.push_back(backoff.Next());
+  EXPECT_EQ(waits, (std::vector<int>{100, 200, 400, 800, 1600, 2000, 2000}));
+  backoff.Reset();
+  EXPECT_EQ(backoff.Next(), 100);
 }
 
 }  // namespace

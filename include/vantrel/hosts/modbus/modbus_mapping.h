@@ -21,8 +21,13 @@ struct Endpoint {
   int port = 502;
 };
 
-// "modbus://HOST:PORT" (the port may be left out); nullopt with `error` set on bad text.
+// "modbus://HOST:PORT" (the port may be left out; an IPv6 address is written in brackets,
+// "modbus://[::1]:1502"); nullopt with `error` set on bad text.
 std::optional<Endpoint> ParseEndpoint(std::string_view text, std::string& error);
+
+// The text of "--unit N": a Modbus TCP unit id, 0 to 247 or 255.
+std::optional<int> ParseUnit(std::string_view text, std::string& error);
+bool IsUnitId(int unit);
 
 // One read of holding registers: at most kMaxReadWords, never cutting a 32-bit register.
 struct HoldingRead {
@@ -32,6 +37,7 @@ struct HoldingRead {
 
 // The protocol allows 125 holding registers per read; an even count keeps pairs whole.
 inline constexpr int32_t kMaxReadWords = 124;
+inline constexpr int32_t kAddressSpace = 65536;
 
 struct ModbusMapping {
   int32_t registerOffset = 0;
@@ -42,21 +48,25 @@ struct ModbusMapping {
   bool SetWordOrder(std::string_view text, std::string& error);
   // "d=ADDR".
   bool AddDataBlock(std::string_view text, std::string& error);
+  // "N", the holding register of controller register 0.
+  bool SetRegisterOffset(std::string_view text, std::string& error);
 
   // The holding registers of `count` controller registers from `first`, as reads of at most
-  // kMaxReadWords; empty with `error` set when they lie outside the 16-bit address space.
+  // kMaxReadWords in address order; empty with `error` set when they lie outside the 16-bit
+  // address space or the count is negative (a count of 0 needs no read and is no error).
   std::vector<HoldingRead> RegisterReads(int32_t first, int32_t count, std::string& error) const;
   // The same for words of a data block; an unmapped block is an error.
   std::vector<HoldingRead> DataBlockReads(int32_t block, int32_t offset, int32_t count,
                                           std::string& error) const;
 
-  // Pairs of holding registers to 32-bit values, and back.
+  // Pairs of holding registers to 32-bit values (a trailing odd word is ignored), and back.
   std::vector<int32_t> Join(std::span<const uint16_t> words) const;
   void Split(int32_t value, uint16_t& first, uint16_t& second) const;
 
   // What a holding register holds, for a server: the controller register or data-block word
-  // it belongs to and which half. Data blocks own the addresses from their start up to the
-  // next block's start; registers those below the first block.
+  // it belongs to and which half. The registers and each data block own the addresses from
+  // their first holding register up to the next one's; where a block starts at the register
+  // offset itself, the block has it. Addresses below all of them hold nothing.
   struct Place {
     bool dataBlock = false;
     int32_t block = 0;

@@ -1,10 +1,14 @@
 #pragma once
 // A Modbus TCP server that serves a register space through a mapping, on the host's event
-// loop: the listening socket and every client's socket are watched by the loop, and a read
-// of holding registers (function 3) is answered from the register space as it is at that
-// moment. Other functions get an "illegal function" exception. Nothing blocks the loop
-// longer than one request takes to arrive once its first bytes are there.
+// loop: the listening socket and every client's socket are watched by the loop and never
+// block it (a request that arrives in pieces is kept until it is whole, a reply the client
+// does not take at once is sent when it can take it). A read of holding registers
+// (function 3) is answered from the register space as it is at that moment; other
+// functions, and addresses that map to nothing, get an exception response. A client that
+// sends what cannot be a Modbus TCP request, or stops taking its replies, is dropped.
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,8 +27,9 @@ class ModbusServer {
   ModbusServer& operator=(const ModbusServer&) = delete;
 
   // Listens on `address` (e.g. "127.0.0.1") and `port` (0: a free one); false with
-  // LastError() set when that is not possible.
+  // LastError() set when that is not possible (the port in use, an unknown address...).
   bool Listen(const std::string& address, int port);
+  // The port listened on (kept after Close, so that the same one can be taken again).
   int Port() const { return port_; }
   const std::string& LastError() const { return lastError_; }
   int ClientCount() const { return static_cast<int>(clients_.size()); }
@@ -32,19 +37,28 @@ class ModbusServer {
   void Close();
 
  private:
-  struct Context;
+  struct Client {
+    std::vector<uint8_t> received;  // bytes of a request not yet complete
+    std::vector<uint8_t> unsent;    // replies the client has not taken yet
+    bool watchingWrites = false;
+  };
   void Accept();
-  void Serve(int client);
-  void Drop(int client);
+  void Serve(int fd, short events);
+  // Sends what it can; false when the client is gone or takes nothing for too long.
+  bool Flush(int fd, Client& client);
+  void Drop(int fd);
+  template <typename Handler>
+  PollEventLoop::FdCallback Guarded(Handler handler);
 
   PollEventLoop& loop_;
   const RegisterSpace& space_;
   ModbusMapping mapping_;
-  std::unique_ptr<Context> context_;
   int listener_ = -1;
   int port_ = 0;
-  std::vector<int> clients_;
+  std::map<int, Client> clients_;
   std::string lastError_;
+  // Callbacks the loop has already picked for this turn check it before touching the server.
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace vantrel::hosts::modbus

@@ -1,0 +1,208 @@
+// The client against our server on a free loopback port, through a real event loop: the
+// trace buffer read as the controller program wrote it, only the newest request answered,
+// a lost controller reported and its request answered when it is back, timeouts and
+// exception responses retried over fresh connections and never answered with invented
+// values, a prompt stop.
+
+#include "vantrel/hosts/modbus/modbus_client.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "modbus/test_helpers.h"
+#include "vantrel/hosts/modbus/modbus_server.h"
+#include "vantrel/hosts/pump_station.h"
+#include "vantrel/hosts/trace_program.h"
+#include "vantrel/manual_clock.h"
+
+namespace vantrel::hosts::modbus {
+namespace {
+
+using std::chrono::milliseconds;
+using test::RunUntil;
+using test::SilentListener;
+
+class ClientTest : public ::testing::Test {
+ protected:
+  ClientTest() : program(space, PumpStationProgram(), clock) {
+    program.Install();
+    program.WriteRecords(73);  // the ring of 50 has gone round
+    space.SetDataBlockWord(7, 0, 111);
+    space.SetDataBlockWord(7, 1, -222);
+  }
+
+  static ModbusMapping Mapping(int32_t registerOffset = 10) {
+    ModbusMapping m;
+    m.registerOffset = registerOffset;
+    m.dataBlocks[7] = 40000;
+    return m;
+  }
+  void Serve(int port = 0, ModbusMapping mapping = Mapping()) {
+    server = std::make_unique<ModbusServer>(loop, space, std::move(mapping));
+    ASSERT_TRUE(server->Listen("127.0.0.1", port)) << server->LastError();
+  }
+  std::unique_ptr<ModbusClient> Client(int port, ModbusMapping mapping = Mapping(),
+                                       int responseTimeoutMs = 300) {
+    ModbusClient::Callbacks callbacks;
+    callbacks.answer = [this](std::vector<int32_t> v) { answers.push_back(std::move(v)); };
+    callbacks.connection = [this](bool up) { connection.push_back(up); };
+    callbacks.error = [this](std::string e) { errors.push_back(std::move(e)); };
+    return std::make_unique<ModbusClient>(
+        Endpoint{"127.0.0.1", port}, 1, std::move(mapping),
+        [this](std::function<void()> task) { loop.Post(std::move(task)); }, callbacks,
+        ModbusClient::Timing{responseTimeoutMs, 20, 160});
+  }
+  bool Answers(size_t count) {
+    return RunUntil(loop, [&] { return answers.size() >= count; });
+  }
+
+  ManualClock clock;
+  RegisterSpace space;
+  TraceProgram program;
+  PollEventLoop loop;
+  std::unique_ptr<ModbusServer> server;
+  std::vector<std::vector<int32_t>> answers;
+  std::vector<bool> connection;
+  std::vector<std::string> errors;
+};
+
+TEST_F(ClientTest, ReadsTheTraceBufferAsTheControllerProgramWroteIt) {
+  Serve();
+  auto client = Client(server->Port());
+  const TraceProgramConfig& config = program.Config();
+  client->ReadRegisters(config.startRegister, 1);
+  ASSERT_TRUE(Answers(1));
+  EXPECT_EQ(answers[0], space.ReadRegisters(config.startRegister, 1));
+  EXPECT_EQ(connection, std::vector<bool>{true});
+
+  // Header and ring: 316 registers, six reads.
+  const int32_t buffer = 16 + config.ringRecords * program.RecordLength();
+  client->ReadRegisters(config.bufferStart, buffer);
+  ASSERT_TRUE(Answers(2));
+  EXPECT_EQ(answers[1], space.ReadRegisters(config.bufferStart, buffer));
+
+  // The counters move on; each answer is what the controller holds when it is read.
+  program.WriteRecords(3);
+  client->ReadRegisters(config.bufferStart + config.counterIndex, 4);
+  ASSERT_TRUE(Answers(3));
+  EXPECT_EQ(answers[2], space.ReadRegisters(config.bufferStart + config.counterIndex, 4));
+  EXPECT_EQ(answers[2][0], 76);
+  client->ReadDataBlock(7, 0, 2);
+  ASSERT_TRUE(Answers(4));
+  EXPECT_EQ(answers[3], (std::vector<int32_t>{111, -222}));
+  EXPECT_TRUE(errors.empty());
+  EXPECT_EQ(connection, std::vector<bool>{true});
+}
+
+TEST_F(ClientTest, OnlyTheNewestRequestIsAnswered) {
+  Serve();
+  auto client = Client(server->Port());
+  client->ReadRegisters(1004, 2);
+  client->ReadDataBlock(7, 0, 2);
+  ASSERT_TRUE(Answers(1));
+  EXPECT_EQ(answers[0], (std::vector<int32_t>{111, -222}));
+
+  // A request that cannot be served is an error, and the one before it is not answered.
+  client->ReadRegisters(1004, 2);
+  client->ReadDataBlock(8, 0, 4);
+  ASSERT_TRUE(RunUntil(loop, [&] { return !errors.empty(); }));
+  EXPECT_EQ(errors, std::vector<std::string>{
+                        "data block 8 has no holding register address (map it with --db-map "
+                        "8=ADDRESS)"});
+  loop.RunFor(milliseconds(150));
+  EXPECT_EQ(answers.size(), 1u);
+}
+
+TEST_F(ClientTest, ALostControllerIsReportedAndTheRequestAnsweredWhenItIsBack) {
+  Serve();
+  const int port = server->Port();
+  auto client = Client(port);
+  client->ReadRegisters(1004, 1);
+  ASSERT_TRUE(Answers(1));
+  server->Close();
+  program.WriteRecords(5);
+  client->ReadRegisters(1004, 1);
+  ASSERT_TRUE(RunUntil(loop, [&] { return connection.size() == 2; }));
+  EXPECT_EQ(connection, (std::vector<bool>{true, false}));
+  // Retries go on meanwhile; none is answered with anything.
+  loop.RunFor(milliseconds(300));
+  EXPECT_EQ(answers.size(), 1u);
+  EXPECT_EQ(connection.size(), 2u);
+
+  ASSERT_TRUE(server->Listen("127.0.0.1", port)) << server->LastError();
+  ASSERT_TRUE(Answers(2));
+  EXPECT_EQ(answers[1], std::vector<int32_t>{78});
+  EXPECT_EQ(connection, (std::vector<bool>{true, false, true}));
+  EXPECT_TRUE(errors.empty());
+}
+
+TEST_F(ClientTest, RetriesBackOff) {
+  // A controller that hangs up on every connection: each retry is one connection. Without
+  // the back-off (20 ms doubling to 160 ms) a second would see about fifty.
+  SilentListener hangingUp(loop, true);
+  auto client = Client(hangingUp.Port());
+  client->ReadRegisters(0, 1);
+  loop.RunFor(milliseconds(1000));
+  EXPECT_GE(hangingUp.accepted, 4);
+  EXPECT_LE(hangingUp.accepted, 15);
+  EXPECT_EQ(connection, std::vector<bool>{false});
+  EXPECT_TRUE(answers.empty());
+}
+
+TEST_F(ClientTest, ATimeoutIsRetriedOverAFreshConnection) {
+  auto silent = std::make_unique<SilentListener>(loop, false);
+  const int port = silent->Port();
+  auto client = Client(port, Mapping(), 100);
+  client->ReadRegisters(1004, 1);
+  // A second connection: the first is not used again after its read timed out.
+  ASSERT_TRUE(RunUntil(loop, [&] { return silent->accepted >= 2; }));
+  EXPECT_EQ(connection, std::vector<bool>{false});
+  EXPECT_TRUE(answers.empty());
+
+  silent.reset();
+  Serve(port);
+  ASSERT_TRUE(Answers(1));
+  EXPECT_EQ(answers[0], std::vector<int32_t>{73});
+  EXPECT_EQ(connection, (std::vector<bool>{false, true}));
+}
+
+TEST_F(ClientTest, AnExceptionResponseIsReportedOnceAndNeverAnswered) {
+  // The server maps register 0 to holding register 10; the client asks for 0 and 1.
+  Serve();
+  const int port = server->Port();
+  auto client = Client(port, Mapping(0));
+  client->ReadRegisters(0, 1);
+  ASSERT_TRUE(RunUntil(loop, [&] { return !errors.empty(); }));
+  loop.RunFor(milliseconds(300));  // several retries
+  EXPECT_EQ(errors, std::vector<std::string>{
+                        "the controller refused to read holding registers 0 to 1: Illegal data "
+                        "address"});
+  EXPECT_EQ(connection, std::vector<bool>{false});
+  EXPECT_TRUE(answers.empty());
+
+  // A controller that has the registers answers the same request.
+  server.reset();
+  Serve(port, Mapping(0));
+  ASSERT_TRUE(Answers(1));
+  EXPECT_EQ(answers[0], std::vector<int32_t>{space.Register(0)});
+  EXPECT_EQ(connection, (std::vector<bool>{false, true}));
+}
+
+TEST_F(ClientTest, StoppingCutsAReadShortAndNothingIsHeardAfterwards) {
+  SilentListener silent(loop, false);
+  auto client = Client(silent.Port(), Mapping(), 4000);
+  client->ReadRegisters(0, 1);
+  ASSERT_TRUE(RunUntil(loop, [&] { return silent.accepted == 1; }));
+  loop.RunFor(milliseconds(50));  // the read is waiting for its answer
+  const auto before = std::chrono::steady_clock::now();
+  client.reset();
+  // Not a speed target: a stop that waited for the 4 s response timeout would be a hang.
+  EXPECT_LT(std::chrono::steady_clock::now() - before, milliseconds(2000));
+  loop.RunFor(milliseconds(100));
+  EXPECT_TRUE(connection.empty());
+  EXPECT_TRUE(answers.empty());
+}
+
+}  // namespace
+}  // namespace vantrel::hosts::modbus
