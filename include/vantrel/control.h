@@ -147,6 +147,8 @@ class Control {
   void AddSurfaceObserver(SurfaceObserver* observer);
   // Every row added to the table, and every description loaded, is handed to the sinks.
   void AddRowSink(RowSink* sink);
+  // The writer of .xlsx exports, for hosts that create it after the control.
+  void SetXlsxExporter(TableExporter* exporter);
   void RemoveRowSink(RowSink* sink);
   void RemoveSurfaceObserver(SurfaceObserver* observer);
 

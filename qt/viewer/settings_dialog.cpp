@@ -61,12 +61,19 @@ SettingsDialog::SettingsDialog(Control& control, QWidget* parent)
       pcdStatusCol_(new QCheckBox(tr("Controller status"), this)),
       exportFile_(new QLineEdit(this)),
       indexFile_(new QComboBox(this)),
+      exportFormat_(new QComboBox(this)),
       autoExport_(new QCheckBox(tr("Export whenever the table is full"), this)),
+      historyFile_(new QLineEdit(this)),
       gridFontName_(new QLineEdit(this)),
       gridFontSize_(new QLineEdit(this)) {
   setWindowTitle(tr("Vantrel settings"));
   indexFile_->addItems(
       {tr("0 - fixed name"), tr("1 - time-stamped name"), tr("2 - name indexed by the buffer")});
+  exportFormat_->addItems(
+      {tr("Excel 2.x worksheet (.xls)"), tr("Excel workbook (.xlsx)"), tr("CSV, UTF-8 (.csv)")});
+  historyFile_->setToolTip(
+      tr("Every row is also kept in this SQLite file (empty: none); "
+         "takes effect when acquisition starts again"));
   resourcePath_->setToolTip(tr("Directories searched for description files, separated by commas"));
 
   auto* form = new QFormLayout;
@@ -86,9 +93,13 @@ SettingsDialog::SettingsDialog(Control& control, QWidget* parent)
   stampLayout->addWidget(timeStampCol_);
   stampLayout->addWidget(pcdStatusCol_);
   form->addRow(tr("Columns"), stamps);
-  form->addRow(tr("Export file"), WithBrowse(exportFile_, tr("Excel files (*.xls)"), true, this));
+  form->addRow(tr("Export file"),
+               WithBrowse(exportFile_, tr("Spreadsheets (*.xls *.xlsx *.csv)"), true, this));
+  form->addRow(tr("Export format"), exportFormat_);
   form->addRow(tr("Export naming"), indexFile_);
   form->addRow(QString(), autoExport_);
+  form->addRow(tr("Record history"),
+               WithBrowse(historyFile_, tr("SQLite histories (*.db)"), true, this));
   form->addRow(tr("Table font"), gridFontName_);
   form->addRow(tr("Table font size"), gridFontSize_);
 
@@ -117,6 +128,9 @@ void SettingsDialog::Load() {
   exportFile_->setText(ToQString(c.ExportFile()));
   indexFile_->setCurrentIndex(c.IndexFile() >= 0 && c.IndexFile() <= 2 ? c.IndexFile() : 0);
   autoExport_->setChecked(c.AutoExport());
+  exportFormat_->setCurrentIndex(c.ExportFormat() >= 0 && c.ExportFormat() <= 2 ? c.ExportFormat()
+                                                                                : 0);
+  historyFile_->setText(ToQString(c.HistoryFile()));
   gridFontName_->setText(ToQString(c.GridFontName()));
   gridFontSize_->setText(ToQString(c.GridFontSize()));
 }
@@ -142,6 +156,10 @@ void SettingsDialog::Apply() {
     c.SetIndexFile(static_cast<int16_t>(indexFile_->currentIndex()));
   }
   if (autoExport_->isChecked() != c.AutoExport()) c.SetAutoExport(autoExport_->isChecked());
+  if (exportFormat_->currentIndex() != c.ExportFormat()) {
+    c.SetExportFormat(static_cast<int16_t>(exportFormat_->currentIndex()));
+  }
+  if (text(historyFile_) != c.HistoryFile()) c.SetHistoryFile(text(historyFile_));
   if (text(gridFontName_) != c.GridFontName()) c.SetGridFontName(text(gridFontName_));
   if (text(gridFontSize_) != c.GridFontSize()) c.SetGridFontSize(text(gridFontSize_));
 }

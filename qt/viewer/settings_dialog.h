@@ -32,6 +32,8 @@ class SettingsDialog final : public QDialog {
   QCheckBox* DateStampCol() const { return dateStampCol_; }
   QLineEdit* ExportFile() const { return exportFile_; }
   QComboBox* IndexFile() const { return indexFile_; }
+  QComboBox* ExportFormat() const { return exportFormat_; }
+  QLineEdit* HistoryFile() const { return historyFile_; }
 
  private:
   void Load();
@@ -50,7 +52,9 @@ class SettingsDialog final : public QDialog {
   QCheckBox* pcdStatusCol_;
   QLineEdit* exportFile_;
   QComboBox* indexFile_;
+  QComboBox* exportFormat_;
   QCheckBox* autoExport_;
+  QLineEdit* historyFile_;
   QLineEdit* gridFontName_;
   QLineEdit* gridFontSize_;
 };

@@ -34,6 +34,11 @@ ParseOutcome ParseViewerOptions(int argc, char** argv, ViewerOptions& o) {
   app.add_option("--index-file", o.indexFile,
                  "Export file naming: 0 fixed, 1 time-stamped, 2 indexed by the buffer");
   app.add_flag("--auto-export", o.autoExport, "Export whenever the table is full");
+  app.add_option("--export-format", o.exportFormat,
+                 "Export file format: biff2 (Excel 2.x, the default), xlsx or csv")
+      ->check(CLI::IsMember({"biff2", "xlsx", "csv"}));
+  app.add_option("--history", o.historyFile,
+                 "Keep every row in this SQLite record history (created if missing)");
   app.add_option("--screenshot", o.screenshot,
                  "Render the window to this PNG file after --after-records rows, then exit");
   app.add_option("--after-records", o.afterRecords, "Rows shown before the screenshot")

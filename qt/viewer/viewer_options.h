@@ -29,6 +29,8 @@ struct ViewerOptions {
   std::optional<std::string> exportFile;
   std::optional<int16_t> indexFile;
   bool autoExport = false;
+  std::optional<std::string> exportFormat;  // biff2, xlsx or csv
+  std::optional<std::string> historyFile;
 
   // Render the window into this PNG file once `afterRecords` rows are shown, then exit.
   std::string screenshot;

@@ -16,6 +16,7 @@ ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
     : QMainWindow(parent), options_(std::move(options)), widget_(new qt::VantrelWidget(this)) {
   setWindowTitle(tr("Vantrel Viewer"));
   setCentralWidget(widget_);
+  widget_->control().SetXlsxExporter(&xlsx_);
   BuildMenus();
   resize(1100, 700);
 
@@ -43,6 +44,7 @@ ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
 ViewerWindow::~ViewerWindow() {
   // The link goes first: nothing may answer the control once it is going.
   controller_.link.reset();
+  if (history_) widget_->control().RemoveRowSink(history_.get());
 }
 
 bool ViewerWindow::Open(std::string& error) {
@@ -61,6 +63,7 @@ bool ViewerWindow::Open(std::string& error) {
   controller_ = std::move(*opened);
   if (!ApplyProperties(error)) return false;
   ApplyCommandLine();
+  if (!OpenHistory(error)) return false;
   Control& control = widget_->control();
   control.SetPCDStatus(controller_.runningAtStart ? 2 : 1);
   control.Start();
@@ -118,6 +121,10 @@ void ViewerWindow::ApplyCommandLine() {
   if (o.exportFile) control.SetExportFile(*o.exportFile);
   if (o.indexFile) control.SetIndexFile(*o.indexFile);
   if (o.autoExport) control.SetAutoExport(true);
+  if (o.exportFormat) {
+    control.SetExportFormat(*o.exportFormat == "xlsx" ? 1 : *o.exportFormat == "csv" ? 2 : 0);
+  }
+  if (o.historyFile) control.SetHistoryFile(*o.historyFile);
   if (o.simulation) control.SetSimulation(true);
 }
 
@@ -157,8 +164,26 @@ void ViewerWindow::BuildMenus() {
 void ViewerWindow::EditSettings() {
   SettingsDialog dialog(widget_->control(), this);
   if (dialog.exec() != QDialog::Accepted) return;
+  const std::string historyBefore = widget_->control().HistoryFile();
   dialog.Apply();
+  std::string error;
+  if (widget_->control().HistoryFile() != historyBefore && !OpenHistory(error)) {
+    statusBar()->showMessage(QString::fromStdString(error));
+  }
   SaveProperties();
+}
+
+bool ViewerWindow::OpenHistory(std::string& error) {
+  Control& control = widget_->control();
+  if (history_) {
+    control.RemoveRowSink(history_.get());
+    history_.reset();
+  }
+  if (control.HistoryFile().empty()) return true;
+  history_ = history::SqliteHistory::Open(control.HistoryFile(), error);
+  if (!history_) return false;
+  control.AddRowSink(history_.get());
+  return true;
 }
 
 void ViewerWindow::SaveProperties() {

@@ -9,9 +9,11 @@
 #include <string>
 
 #include "controller_choice.h"
+#include "vantrel/history/sqlite_history.h"
 #include "vantrel/property_bag.h"
 #include "vantrel/qt/qt_timers.h"
 #include "vantrel/qt/vantrel_widget.h"
+#include "vantrel/xlsx_exporter.h"
 #include "viewer_options.h"
 
 class QSettings;
@@ -43,6 +45,8 @@ class ViewerWindow final : public QMainWindow {
   void ApplyCommandLine();
   void BuildMenus();
   void OnStatus(qint16 readStatus);
+  // Opens the record history the HistoryFile property names, or closes it when empty.
+  bool OpenHistory(std::string& error);
 
   ViewerOptions options_;
   qt::VantrelWidget* widget_;
@@ -53,6 +57,8 @@ class ViewerWindow final : public QMainWindow {
   std::unique_ptr<QSettings> settings_;
   FilePropertyBag propertyFile_;
   bool refreshing_ = false;
+  XlsxExporter xlsx_;
+  std::unique_ptr<history::SqliteHistory> history_;
 };
 
 }  // namespace vantrel::viewer

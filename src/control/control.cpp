@@ -114,6 +114,10 @@ int16_t Control::ReadState() const {
   return module_->buffer.ReadState;
 }
 
+void Control::SetXlsxExporter(TableExporter* exporter) {
+  module_->services.xlsx = exporter;
+}
+
 void Control::AddRowSink(RowSink* sink) {
   if (sink != nullptr) module_->rowSinks.push_back(sink);
 }

@@ -5,6 +5,7 @@
 #include <QAbstractItemModel>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QImage>
 #include <QLineEdit>
 #include <QProcess>
@@ -181,14 +182,18 @@ class ViewerTest : public QObject {
     dialog.DateStampCol()->setChecked(true);
     dialog.ExportFile()->setText(QString::fromUtf8("/tmp/\u00E9t\u00E9.xls"));
     dialog.IndexFile()->setCurrentIndex(2);
+    dialog.ExportFormat()->setCurrentIndex(1);
+    dialog.HistoryFile()->setText(QStringLiteral("/tmp/trace.db"));
     dialog.Apply();
     QCOMPARE(control.Interval(), 250);
     QCOMPARE(control.MaxRows(), 2000);
     QVERIFY(control.DateStampCol());
     QCOMPARE(control.ExportFile(), std::string("/tmp/\xE9t\xE9.xls"));
     QCOMPARE(control.IndexFile(), int16_t{2});
-    QCOMPARE(changed,
-             (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile"}));
+    QCOMPARE(control.ExportFormat(), int16_t{1});
+    QCOMPARE(control.HistoryFile(), std::string("/tmp/trace.db"));
+    QCOMPARE(changed, (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile",
+                                   "ExportFormat", "HistoryFile"}));
   }
 
   void aWindowReadsTheVirtualControllerEndToEnd() {
@@ -214,6 +219,30 @@ class ViewerTest : public QObject {
     ViewerWindow next(ViewerOptions{});
     QVERIFY(next.Open(error));
     QCOMPARE(next.Widget().control().MaxGraph(), 60);
+  }
+
+  void aWindowKeepsEveryRowInItsHistoryAndExportsXlsx() {
+    QTemporaryDir dir;
+    ViewerOptions o;
+    o.recordIntervalMs = 10;
+    o.interval = 50;
+    o.screenshot = "unused";  // the defaults, not the user's saved settings
+    o.historyFile = dir.filePath(QStringLiteral("trace.db")).toStdString();
+    o.exportFile = dir.filePath(QStringLiteral("trace.xlsx")).toStdString();
+    o.exportFormat = "xlsx";
+    ViewerWindow window(o);
+    std::string error;
+    QVERIFY2(window.Open(error), error.c_str());
+    const QAbstractItemModel* model = window.Widget().Table()->model();
+    QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
+    window.Widget().control().SetRunMode(0);
+    const int rows = window.Widget().control().Table().DataRowCount();
+    window.Widget().control().ClickExportButton();
+    // The workbook was written by the viewer's exporter: the table was emptied.
+    QCOMPARE(window.Widget().control().Table().DataRowCount(), 0);
+    QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
+    QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.db"))).exists());
+    QVERIFY(rows >= 5);
   }
 
   void theViewerRendersTheTableAfterTheRowsAskedFor() {
