@@ -1,3 +1,6 @@
+#ifdef VANTREL_WITH_MODBUS
+#include "vantrel/hosts/modbus/modbus_link.h"
+#endif
 #include "controller_choice.h"
 
 #include "vantrel/hosts/program_file.h"
@@ -33,14 +36,27 @@ std::optional<OpenedController> OpenController(const ViewerOptions& options, Tim
   if (options.controller == "sim") {
     return OpenEmbedded(options, timers, clock, std::move(post), std::move(handlers), error);
   }
-  // A network transport goes here: its client reads on a worker thread and answers through
-  // `post` and `handlers`, like the virtual controller, and sets runningAtStart to false.
+  // A network transport reads on a worker thread of its own and answers through `post`: the
+  // GUI never waits for the network.
   if (options.controller.rfind("modbus://", 0) == 0) {
-    error = "the viewer cannot reach Modbus TCP controllers yet; use `vantrel run --controller " +
-            options.controller + "`";
+#ifdef VANTREL_WITH_MODBUS
+    hosts::modbus::ModbusLinkOptions link;
+    link.unit = options.unit;
+    link.wordOrder = options.wordOrder;
+    link.dataBlocks = options.dataBlocks;
+    link.registerOffset = options.registerOffset;
+    OpenedController opened;
+    opened.link = hosts::modbus::OpenModbusLink(options.controller, link, std::move(post),
+                                                std::move(handlers), error);
+    if (!opened.link) return std::nullopt;
+    opened.runningAtStart = false;
+    return opened;
+#else
+    error = "this viewer was built without Modbus TCP (VANTREL_BUILD_MODBUS=OFF)";
     return std::nullopt;
+#endif
   }
-  error = "unknown controller '" + options.controller + "' (use sim)";
+  error = "unknown controller '" + options.controller + "' (use sim or modbus://HOST:PORT)";
   return std::nullopt;
 }
 

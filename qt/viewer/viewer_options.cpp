@@ -37,6 +37,15 @@ ParseOutcome ParseViewerOptions(int argc, char** argv, ViewerOptions& o) {
   app.add_option("--export-format", o.exportFormat,
                  "Export file format: biff2 (Excel 2.x, the default), xlsx or csv")
       ->check(CLI::IsMember({"biff2", "xlsx", "csv"}));
+  app.add_option("--unit", o.unit, "Modbus unit (slave) id")->check(CLI::Range(0, 247));
+  app.add_option("--word-order", o.wordOrder,
+                 "Which 16-bit half of a 32-bit register comes first: hi-lo or lo-hi")
+      ->check(CLI::IsMember({"hi-lo", "lo-hi"}));
+  app.add_option("--db-map", o.dataBlocks,
+                 "Data block d starts at holding register ADDR: d=ADDR (repeatable)");
+  app.add_option("--register-offset", o.registerOffset,
+                 "Holding register of controller register 0 (register n is at offset + 2n)")
+      ->check(CLI::Range(0, 65535));
   app.add_option("--history", o.historyFile,
                  "Keep every row in this SQLite record history (created if missing)");
   app.add_option("--screenshot", o.screenshot,

@@ -31,6 +31,11 @@ struct ViewerOptions {
   bool autoExport = false;
   std::optional<std::string> exportFormat;  // biff2, xlsx or csv
   std::optional<std::string> historyFile;
+  // Modbus TCP mapping, as `vantrel run` takes it.
+  int unit = 1;
+  std::string wordOrder = "hi-lo";
+  std::vector<std::string> dataBlocks;
+  int32_t registerOffset = 0;
 
   // Render the window into this PNG file once `afterRecords` rows are shown, then exit.
   std::string screenshot;

@@ -6,6 +6,11 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 #include <QImage>
 #include <QLineEdit>
 #include <QProcess>
@@ -16,6 +21,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <vector>
+#include "vantrel/hosts/modbus/modbus_server.h"
+#include "vantrel/hosts/pump_station.h"
+#include "vantrel/poll_event_loop.h"
 
 #include "controller_choice.h"
 #include "gui_thread_post.h"
@@ -153,9 +161,9 @@ class ViewerTest : public QObject {
     QObject context;
     ViewerOptions o;
     std::string error;
-    o.controller = "modbus://127.0.0.1:1502";
+    o.controller = "modbus://127.0.0.1:99999";
     QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
-    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("vantrel run")));
+    QVERIFY(QString::fromStdString(error).contains(QStringLiteral("port")));
     o.controller = "serial";
     QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
     QVERIFY(QString::fromStdString(error).contains(QStringLiteral("unknown controller")));
@@ -243,6 +251,41 @@ class ViewerTest : public QObject {
     QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
     QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.db"))).exists());
     QVERIFY(rows >= 5);
+  }
+
+  void aWindowReadsAControllerOverModbusWithoutWaitingForIt() {
+    // The pump station served on a loopback port from a thread of its own.
+    SystemClock clock;
+    hosts::RegisterSpace space;
+    hosts::TraceProgram program(space, hosts::PumpStationProgram(), clock);
+    PollEventLoop serverLoop;
+    hosts::modbus::ModbusServer server(serverLoop, space, {});
+    program.Install();
+    program.WriteRecords(12);
+    QVERIFY(server.Listen("127.0.0.1", 0));
+    std::atomic<bool> stop{false};
+    std::thread serving([&] {
+      while (!stop)
+        serverLoop.RunFor(std::chrono::milliseconds(20));
+    });
+
+    ViewerOptions o;
+    o.controller = "modbus://127.0.0.1:" + std::to_string(server.Port());
+    o.interval = 50;
+    o.screenshot = "unused";  // the defaults, not the user's saved settings
+    o.statusColumn = true;
+    {
+      ViewerWindow window(o);
+      std::string error;
+      QVERIFY2(window.Open(error), error.c_str());
+      const QAbstractItemModel* model = window.Widget().Table()->model();
+      QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 12, 10000);
+      // A remote controller starts as "Disconnect" and is "Run" once it has answered.
+      QCOMPARE(window.Widget().control().PCDStatus(), 2);
+      QCOMPARE(window.Widget().control().RecordCount(), 12);
+    }
+    stop = true;
+    serving.join();
   }
 
   void theViewerRendersTheTableAfterTheRowsAskedFor() {
