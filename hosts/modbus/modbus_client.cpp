@@ -52,6 +52,8 @@ struct ModbusClient::Shared : std::enable_shared_from_this<ModbusClient::Shared>
   uint64_t newest = 0;  // the newest request; an older one is neither retried nor answered
   bool stopping = false;
   int openSocket = -1;  // the link's socket while it is open, for the destructor to cut short
+  // The reads of the newest request while its answer has not reached the host.
+  std::optional<std::vector<HoldingRead>> unanswered;
 
   bool alive = true;  // host thread only
 
@@ -78,9 +80,12 @@ struct ModbusClient::Shared : std::enable_shared_from_this<ModbusClient::Shared>
   void Deliver(uint64_t generation, std::vector<int32_t> values) {
     ToHost([generation, values = std::move(values)](Shared& self) mutable {
       // An answer to a request that a newer one replaced is of no use any more.
-      if (self.IsNewest(generation) && self.callbacks.answer) {
-        self.callbacks.answer(std::move(values));
+      if (!self.IsNewest(generation)) return;
+      {
+        std::lock_guard lock(self.mutex);
+        self.unanswered.reset();
       }
+      if (self.callbacks.answer) self.callbacks.answer(std::move(values));
     });
   }
   void Report(std::optional<bool>& reported, bool connected) {
@@ -140,10 +145,18 @@ void ModbusClient::Submit(std::vector<HoldingRead> reads, std::string error) {
   }
   {
     std::lock_guard lock(s.mutex);
+    // The same request asked again while it is under way (a host that grew impatient) is
+    // served by the answer on its way: starting over would never finish a read that takes
+    // longer than the host's patience.
+    if (error.empty() && s.unanswered == reads) return;
     const uint64_t generation = ++s.newest;
     // Whatever was asked before is not answered any more, even when this cannot be served.
     s.waiting.reset();
-    if (error.empty()) s.waiting = Request{generation, std::move(reads)};
+    s.unanswered.reset();
+    if (error.empty()) {
+      s.unanswered = reads;
+      s.waiting = Request{generation, std::move(reads)};
+    }
   }
   if (!error.empty()) {
     s.Complain(std::move(error));

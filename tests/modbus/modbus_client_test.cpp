@@ -114,6 +114,22 @@ TEST_F(ClientTest, OnlyTheNewestRequestIsAnswered) {
   EXPECT_EQ(answers.size(), 1u);
 }
 
+TEST_F(ClientTest, TheSameRequestAskedAgainIsServedByTheReadUnderWay) {
+  // An impatient host asks again every millisecond for a read of 34 round trips: each ask
+  // must not start the read over, or it would never be answered.
+  Serve();
+  auto client = Client(server->Port());
+  const int32_t count = 2000;
+  for (int turn = 0; turn < 5000 && answers.empty(); ++turn) {
+    client->ReadRegisters(1000, count);
+    loop.RunFor(milliseconds(1));
+  }
+  ASSERT_EQ(answers.size(), 1u);
+  EXPECT_EQ(answers[0], space.ReadRegisters(1000, count));
+  loop.RunFor(milliseconds(100));
+  EXPECT_EQ(answers.size(), 1u) << "one answer for the asks of one read";
+}
+
 TEST_F(ClientTest, ALostControllerIsReportedAndTheRequestAnsweredWhenItIsBack) {
   Serve();
   const int port = server->Port();

@@ -33,6 +33,7 @@ bool IsUnitId(int unit);
 struct HoldingRead {
   int32_t address = 0;
   int32_t words = 0;
+  bool operator==(const HoldingRead&) const = default;
 };
 
 // The protocol allows 125 holding registers per read; an even count keeps pairs whole.
