@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/export_file.h"
 #include "platform/paths.h"
 #include "vantrel/encoding.h"
 
@@ -89,7 +90,8 @@ void AppendCsvField(std::string& line, std::string_view utf8) {
 }
 
 bool CsvExporter::Export(const ExportSource& source, const std::string& path, std::string& error) {
-  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(NativePath(path).c_str(), "wb"));
+  std::unique_ptr<std::FILE, FileCloser> file(
+      OpenExportFile(NativePath(path), ExportOpen::Truncate));
   if (!file) {
     error = "Cannot open " + path + " : " + std::strerror(errno);
     return false;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/export_file.h"
 #include "platform/paths.h"
 #include "platform/runtime_error.h"
 
@@ -123,8 +124,8 @@ void ExcelFile::OpenFile(std::string_view fileName) {
   const std::string path = NativePath(fileName);
   try {
     // Read/write without truncation; create the file when it does not exist yet.
-    std::FILE* file = std::fopen(path.c_str(), "r+b");
-    if (file == nullptr && errno == ENOENT) file = std::fopen(path.c_str(), "w+b");
+    std::FILE* file = OpenExportFile(path, ExportOpen::KeepContents);
+    if (file == nullptr && errno == ENOENT) file = OpenExportFile(path, ExportOpen::Create);
     if (file == nullptr) throw OpenFailure(errno);
     file_ = file;
     std::setvbuf(file_, nullptr, _IOFBF, kStreamBuffer);

@@ -15,6 +15,7 @@
 #include "output/excel_file.h"
 #include "output/export_naming.h"
 #include "output/output_steps.h"
+#include "platform/export_file.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/runtime_error.h"
@@ -231,7 +232,7 @@ void RemoveFile(const std::string& path) {
 void CheckWritable(const std::string& path) {
   const std::string native = NativePath(path);
   if (!FileExists(native)) return;
-  std::FILE* file = std::fopen(native.c_str(), "r+b");
+  std::FILE* file = OpenExportFile(native, ExportOpen::KeepContents);
   if (file == nullptr) throw RuntimeError(70, "Permission denied");
   const unsigned char one[2] = {1, 0};
   const bool written = std::fwrite(one, 1, sizeof one, file) == sizeof one;

@@ -1,5 +1,6 @@
 target_sources(vantrel PRIVATE
   platform/encoding.cpp
+  platform/export_file.cpp
   platform/manual_clock.cpp
   platform/manual_event_loop.cpp
   platform/numbers.cpp

@@ -6,7 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -99,6 +103,45 @@ TEST(XlsxExport, AnUnwritableFileFailsAndKeepsTheTable) {
   EXPECT_EQ(trace.m.grid.DataRowCount(), 4);
   ASSERT_EQ(trace.prompts.Messages().size(), 1u);
   EXPECT_EQ(trace.prompts.Messages()[0].title, "Vantrel exportation aborted !");
+}
+
+// A link in the target's place is never written through, whether it points to a file or
+// to nothing yet, and no staging file is left behind.
+TEST(XlsxExport, ALinkInTheTargetsPlaceIsNotWrittenThrough) {
+  for (const bool dangling : {false, true}) {
+    FixedTrace trace;
+    XlsxExporter exporter;
+    trace.m.services.xlsx = &exporter;
+    const std::string victim = trace.dir.File("victim");
+    std::ofstream(victim) << "keep";
+    std::filesystem::create_symlink(dangling ? trace.dir.File("new") : victim,
+                                    trace.dir.File("trace.xlsx"));
+    trace.Export(1, "trace.xlsx");
+    EXPECT_EQ(testing::ReadBytes(victim), "keep") << dangling;
+    EXPECT_FALSE(std::filesystem::exists(trace.dir.File("new"))) << dangling;
+    for (const auto& entry : std::filesystem::directory_iterator(trace.dir.Path())) {
+      const std::string name = entry.path().filename().string();
+      EXPECT_TRUE(name == "victim" || name == "trace.xlsx") << name;
+    }
+  }
+}
+
+TEST(XlsxExport, ANewWorkbookGetsTheUsualPermissionsAndAnOldOneKeepsItsOwn) {
+  FixedTrace trace;
+  XlsxExporter exporter;
+  trace.m.services.xlsx = &exporter;
+  const std::string path = trace.Export(1, "trace.xlsx");
+  namespace fs = std::filesystem;
+  const fs::perms mask = static_cast<fs::perms>(::umask(022));
+  ::umask(static_cast<mode_t>(mask));
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0666) & ~mask);
+
+  fs::permissions(path, fs::perms(0640));
+  for (int row = 0; row < 2; ++row)
+    AddRecordRow(trace.m, "\t1\t15/11/26 00:00:01\tx\ty", "", "");
+  trace.Export(1, "trace.xlsx");
+  EXPECT_EQ(trace.m.grid.DataRowCount(), 0);
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
 }
 
 }  // namespace

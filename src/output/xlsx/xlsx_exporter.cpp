@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "platform/export_file.h"
+#include "platform/paths.h"
 #include "vantrel/encoding.h"
 
 namespace vantrel {
@@ -126,9 +128,15 @@ void WriteDescription(Writes& check, lxw_worksheet* sheet, const Formats& format
 }  // namespace
 
 bool XlsxExporter::Export(const ExportSource& source, const std::string& path, std::string& error) {
+  // The workbook is written beside the target and put in place when complete.
+  StagedFile staged(NativePath(path));
+  if (!staged.Ready()) {
+    error = staged.Error();
+    return false;
+  }
   lxw_workbook_options options{};
   options.constant_memory = LXW_TRUE;
-  lxw_workbook* workbook = workbook_new_opt(path.c_str(), &options);
+  lxw_workbook* workbook = workbook_new_opt(staged.Path().c_str(), &options);
   if (workbook == nullptr) {
     error = "Cannot create " + path;
     return false;
@@ -148,6 +156,10 @@ bool XlsxExporter::Export(const ExportSource& source, const std::string& path, s
   const lxw_error first = check.First() != LXW_NO_ERROR ? check.First() : closed;
   if (first != LXW_NO_ERROR) {
     error = std::string("Cannot write ") + path + " : " + lxw_strerror(first);
+    return false;
+  }
+  if (!staged.Commit()) {
+    error = staged.Error();
     return false;
   }
   return true;
