@@ -13,6 +13,7 @@
 #include "vantrel/control.h"
 #include "vantrel/history/sqlite_history.h"
 #include "vantrel/hosts/embedded_controller.h"
+#include "vantrel/hosts/examples_directory.h"
 #include "vantrel/hosts/program_file.h"
 #include "vantrel/hosts/pump_station.h"
 #include "vantrel/poll_event_loop.h"
@@ -115,8 +116,9 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   } else if (o.propertiesFile.empty()) {
     // The bundled example's description is found there, whichever way its controller is
     // reached (`vantrel controller` runs the same program).
-    control.SetResourcePath(VANTREL_EXAMPLES_DIR);
-    if (!o.symbols) control.SetSymbFile(VANTREL_EXAMPLES_DIR "/pumps_symbols.sym");
+    const std::string examples = hosts::ExamplesDirectory();
+    control.SetResourcePath(examples);
+    if (!o.symbols) control.SetSymbFile(examples + "/pumps_symbols.sym");
   }
   if (o.projectPath) control.SetProjectPath(*o.projectPath);
   if (o.userFile) control.SetUserFile(*o.userFile);

@@ -9,6 +9,7 @@
 #include "settings_dialog.h"
 #include "text_conversion.h"
 #include "vantrel/control.h"
+#include "vantrel/hosts/examples_directory.h"
 
 namespace vantrel::viewer {
 
@@ -91,9 +92,10 @@ bool ViewerWindow::ApplyProperties(std::string& error) {
   }
   // Without a place to look for descriptions, the bundled example is read.
   if (bundledExample) {
-    control.SetResourcePath(VANTREL_EXAMPLES_DIR);
+    const std::string examples = hosts::ExamplesDirectory();
+    control.SetResourcePath(examples);
     if (!options_.symbols && control.SymbFile().empty()) {
-      control.SetSymbFile(VANTREL_EXAMPLES_DIR "/pumps_symbols.sym");
+      control.SetSymbFile(examples + "/pumps_symbols.sym");
     }
   }
   return true;
