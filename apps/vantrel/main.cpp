@@ -5,6 +5,7 @@
 #include "check_command.h"
 #include "controller_command.h"
 #include "crypt_command.h"
+#include "history_command.h"
 #include "modbus_options.h"
 #include "run_command.h"
 
@@ -87,6 +88,31 @@ int main(int argc, char** argv) {
                            "Comma-separated directories searched for value-text files");
   checkCommand->add_flag("--json", check.json, "Print one JSON object");
 
+  vantrel::cli::HistoryOptions history;
+  CLI::App* historyCommand = app.add_subcommand(
+      "history", "Show or export a time range of one buffer kept by a record history");
+  historyCommand->add_option("FILE", history.file, "The record history (SQLite file)")->required();
+  historyCommand->add_flag("--list", history.list,
+                           "List the buffers the history holds: descriptions, rows, first and "
+                           "last time");
+  historyCommand->add_option("--key", history.key,
+                             "The buffer's key (needed when the history holds several)");
+  historyCommand->add_option("--from", history.from,
+                             "First PC time of the range: YYYY-MM-DD[ hh:mm[:ss[.mmm]]]");
+  historyCommand->add_option("--to", history.to,
+                             "Last PC time of the range, included: YYYY-MM-DD[ hh:mm[:ss[.mmm]]]");
+  historyCommand
+      ->add_option("--format", history.format,
+                   "text (the lines as `vantrel run` printed them), biff2 (Excel 2.x), xlsx or "
+                   "csv")
+      ->check(CLI::IsMember({"text", "biff2", "xlsx", "csv"}))
+      ->capture_default_str();
+  historyCommand->add_option("-o,--output", history.output,
+                             "The export file (rows of a later description go to FILE_2, ...)");
+  historyCommand->add_flag("--date-col", history.dateColumn, "Show the PC date column");
+  historyCommand->add_flag("--time-col", history.timeColumn, "Show the PC time column");
+  historyCommand->add_flag("--status-col", history.statusColumn,
+                           "Show the controller status column");
 #ifdef VANTREL_WITH_MODBUS
   vantrel::cli::ControllerOptions controller;
   CLI::App* controllerCommand = vantrel::cli::AddControllerCommand(app, controller);
@@ -101,6 +127,7 @@ int main(int argc, char** argv) {
   if (runCommand->parsed()) return vantrel::cli::Run(run);
   if (cryptCommand->parsed()) return vantrel::cli::Crypt(cryptFiles);
   if (checkCommand->parsed()) return vantrel::cli::Check(check);
+  if (historyCommand->parsed()) return vantrel::cli::History(history);
 #ifdef VANTREL_WITH_MODBUS
   if (controllerCommand->parsed()) return vantrel::cli::RunController(controller);
 #endif

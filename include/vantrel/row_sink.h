@@ -19,6 +19,7 @@ struct HistoryColumn {
   std::string fieldType;  // "Bit", "Nible", "Byte", "Word", "Long", "Strg"
   int16_t position = 0;
   std::string displayCode;
+  int32_t widthTwips = 0;  // the column's width in the table
 };
 
 // A trace description as it was loaded: the columns in the order of the row's cells.
@@ -37,6 +38,9 @@ struct HistoryRow {
   DateTime pcTime;           // the PC date and time the row carries
   std::string status;        // the controller status text, "Miss <n>" or "Restart"
   int64_t missed = 0;        // records lost, on a Miss row
+  // The row's cells after the stamp columns, tab-separated, exactly as the table shows them
+  // (what OutputLine carries after the stamps the host asked for).
+  std::string line;
   // Per trace column, the text shown and the raw value decoded (empty on marker rows).
   std::vector<std::string> display;
   std::vector<std::string> raw;

@@ -45,7 +45,7 @@ void AddMarkerRow(Module& m, const std::string& status, const std::string& fille
   m.grid.AddItem(std::to_string(m.walk.RecordCount) + kTab + m.StatusDate + kTab + m.StatusTime +
                  kTab + status + kTab + filler);
   m.events.OutputLine(EventText(m, status, filler));
-  AnnounceMarkerRow(m, kind, status, missed);
+  AnnounceMarkerRow(m, kind, status, filler, missed);
 }
 
 void ScrollToNewest(Module& m) {

@@ -28,8 +28,8 @@ void AnnounceDescription(Module& m) {
   for (int number = 0; number <= highest; ++number) {
     const ColumnDef& c = m.description.Columns[static_cast<size_t>(number)];
     if (!c.Defined) continue;
-    d.columns.push_back(
-        {c.Caption, c.RegisterIndex, FieldTypeName(c.FieldType), c.Position, c.DisplayCode});
+    d.columns.push_back({c.Caption, c.RegisterIndex, FieldTypeName(c.FieldType), c.Position,
+                         c.DisplayCode, c.Width});
   }
   for (RowSink* sink : m.rowSinks)
     sink->DescriptionLoaded(d);
@@ -42,6 +42,7 @@ void AnnounceRecordRow(Module& m, std::string_view displayLine) {
   row.recordNumber = m.walk.RecordCount;
   row.pcTime = m.StampAt;
   row.status = m.PCDStatusText;
+  row.line = displayLine;
   size_t start = 0;
   // A status row of a description without columns has no cells at all.
   if (displayLine.empty() && row.kind == HistoryRowKind::Status) start = 1;
@@ -63,7 +64,8 @@ void AnnounceRecordRow(Module& m, std::string_view displayLine) {
   Send(m, row);
 }
 
-void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status, int64_t missed) {
+void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status,
+                       std::string_view filler, int64_t missed) {
   if (m.rowSinks.empty()) return;
   HistoryRow row;
   row.kind = kind;
@@ -71,6 +73,7 @@ void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status, 
   row.pcTime = m.StampAt;
   row.status = std::string(status);
   row.missed = missed;
+  row.line = filler;
   Send(m, row);
 }
 

@@ -10,6 +10,7 @@ namespace vantrel {
 
 void AnnounceDescription(Module& m);
 void AnnounceRecordRow(Module& m, std::string_view displayLine);
-void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status, int64_t missed);
+void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status,
+                       std::string_view filler, int64_t missed);
 
 }  // namespace vantrel

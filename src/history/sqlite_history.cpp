@@ -33,6 +33,7 @@ CREATE TABLE description_columns (
   type TEXT NOT NULL,
   position INTEGER NOT NULL,
   display_code TEXT NOT NULL,
+  width INTEGER NOT NULL DEFAULT 0,
   PRIMARY KEY (description_id, column_index)
 );
 CREATE TABLE rows (
@@ -44,7 +45,8 @@ CREATE TABLE rows (
   status TEXT NOT NULL,
   missed INTEGER,
   display TEXT,
-  raw TEXT
+  raw TEXT,
+  shown TEXT
 );
 CREATE INDEX rows_by_time ON rows (description_id, pc_time);
 CREATE VIEW record_values AS
@@ -139,6 +141,7 @@ struct EncodedRow {
   std::optional<int64_t> missed;
   std::string display;
   std::string raw;
+  std::string shown;
 };
 
 EncodedRow Encode(const HistoryRow& row) {
@@ -150,6 +153,7 @@ EncodedRow Encode(const HistoryRow& row) {
   if (row.kind == HistoryRowKind::Miss) e.missed = row.missed;
   e.display = DisplayJson(row);
   e.raw = RawJson(row);
+  e.shown = Cp1252ToUtf8(row.line);
   return e;
 }
 
@@ -213,10 +217,22 @@ bool PrepareSchema(sqlite3* db, std::string& error) {
     return false;
   }
   const int64_t found = sqlite3_column_int64(version.get(), 0);
+  sqlite3_reset(version.get());
   if (found > kHistorySchemaVersion) {
     error = "its schema version " + std::to_string(found) + " is newer than this Vantrel's (" +
             std::to_string(kHistorySchemaVersion) + ")";
     return false;
+  }
+  if (found == 1) {
+    // Version 2 keeps each row's cells as shown and each column's width, so that a range
+    // can be shown and exported again exactly; rows of version 1 keep them as NULL.
+    return Execute(db, "BEGIN", error) &&
+           Execute(db,
+                   "ALTER TABLE description_columns ADD COLUMN width INTEGER NOT NULL DEFAULT 0;"
+                   "ALTER TABLE rows ADD COLUMN shown TEXT;"
+                   "UPDATE vantrel_schema SET version = 2;",
+                   error) &&
+           Execute(db, "COMMIT", error);
   }
   return true;
 }
@@ -226,7 +242,7 @@ bool PrepareSchema(sqlite3* db, std::string& error) {
 struct SqliteHistory::Worker {
   using Item = std::variant<HistoryDescription, EncodedRow>;
   static constexpr int kRowsPerInsert = 64;
-  static constexpr int kRowParameters = 8;
+  static constexpr int kRowParameters = 9;
 
   sqlite3* db = nullptr;
   std::thread thread;
@@ -281,6 +297,7 @@ struct SqliteHistory::Worker {
       }
       statement.StaticText(p + 6, r.display);
       statement.StaticText(p + 7, r.raw);
+      statement.StaticText(p + 8, r.shown);
       p += kRowParameters;
     }
     return statement.Step();
@@ -290,14 +307,14 @@ struct SqliteHistory::Worker {
     Statement description(db,
                           "INSERT INTO descriptions (buffer_key, title, version, loaded_at) "
                           "VALUES (?, ?, ?, strftime('%Y-%m-%d %H:%M:%f', 'now', 'localtime'))");
-    Statement column(db, "INSERT INTO description_columns VALUES (?, ?, ?, ?, ?, ?, ?)");
+    Statement column(db, "INSERT INTO description_columns VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
     const std::string insertRows =
         "INSERT INTO rows (description_id, kind, record_number, pc_time, status, missed, "
-        "display, raw) VALUES ";
-    std::string values = "(?, ?, ?, ?, ?, ?, ?, ?)";
+        "display, raw, shown) VALUES ";
+    std::string values = "(?, ?, ?, ?, ?, ?, ?, ?, ?)";
     Statement row(db, (insertRows + values).c_str());
     for (int i = 1; i < kRowsPerInsert; ++i)
-      values += ", (?, ?, ?, ?, ?, ?, ?, ?)";
+      values += ", (?, ?, ?, ?, ?, ?, ?, ?, ?)";
     // Runs of rows go in one statement each: far fewer statement executions per row.
     Statement rows(db, (insertRows + values).c_str());
     std::deque<Item> batch;
@@ -345,6 +362,7 @@ struct SqliteHistory::Worker {
             column.Text(5, c.fieldType);
             column.Int(6, c.position);
             column.Text(7, Cp1252ToUtf8(c.displayCode));
+            column.Int(8, c.widthTwips);
             ok = column.Step();
           }
         }

@@ -37,6 +37,6 @@ class SqliteHistory final : public RowSink {
 };
 
 // The schema version this build writes.
-inline constexpr int kHistorySchemaVersion = 1;
+inline constexpr int kHistorySchemaVersion = 2;
 
 }  // namespace vantrel::history

@@ -1,0 +1,112 @@
+#include "vantrel/recorded_export.h"
+
+#include "control/module.h"
+#include "decoding/grid_setup.h"
+#include "decoding/stamps.h"
+#include "output/output_steps.h"
+#include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
+
+namespace vantrel {
+namespace {
+
+int16_t FieldTypeNumber(const std::string& name) {
+  static constexpr const char* kNames[] = {"Bit", "Nible", "Byte", "Word", "Long", "Strg"};
+  for (int16_t i = 0; i < 6; ++i) {
+    if (name == kNames[i]) return static_cast<int16_t>(i + 1);
+  }
+  return 0;
+}
+
+// Events of a control that only exports: nobody listens.
+struct SilentEvents : ControlEvents {};
+
+}  // namespace
+
+std::string RecordedLine(const RecordedRow& row, RecordedStamps stamps) {
+  std::string text;
+  if (stamps.date) (text += FormatStatusDate(row.pcTime)) += '\t';
+  if (stamps.time) (text += FormatStatusTime(row.pcTime)) += '\t';
+  if (stamps.status) (text += row.status) += '\t';
+  return text += row.line;
+}
+
+std::string RecordedHeader(const HistoryDescription& description, RecordedStamps stamps) {
+  std::string text;
+  auto add = [&text](const std::string& caption) {
+    if (!text.empty()) text += '\t';
+    text += caption;
+  };
+  if (stamps.date) add("PC Date");
+  if (stamps.time) add("PC Time");
+  if (stamps.status) add("PCD");
+  for (const HistoryColumn& column : description.columns)
+    add(column.caption);
+  return text;
+}
+
+bool ExportRecordedRows(const HistoryDescription& description, std::span<const RecordedRow> rows,
+                        const RecordedExport& how, std::string& message) {
+  if (rows.empty()) {
+    message = "No rows to export";
+    return false;
+  }
+  if (description.columns.size() > 127) {
+    message = "The description has more columns than a table holds";
+    return false;
+  }
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  SilentEvents events;
+  ControlServices services{loop, loop.Clock(), prompts};
+  services.xlsx = how.xlsx;
+  Module m(events, services);
+  InitializeControl(m);
+
+  // The description as it was loaded, column by column in the order of the row's cells.
+  m.description.Title = description.title;
+  m.description.HeaderKeyText = description.key;
+  m.description.DescVersion = description.version;
+  m.buffer.HeaderKey = description.key;
+  for (size_t i = 0; i < description.columns.size(); ++i) {
+    const HistoryColumn& c = description.columns[i];
+    ColumnDef& d = m.description.Columns[i + 1];
+    d.Defined = -1;
+    d.FieldType = FieldTypeNumber(c.fieldType);
+    d.RegisterIndex = c.registerIndex;
+    d.Position = c.position;
+    d.Caption = c.caption;
+    d.DisplayCode = c.displayCode;
+    d.Width = c.widthTwips;
+  }
+  m.description.ColumnCount = static_cast<int16_t>(description.columns.size());
+  m.props.DateStampCol = how.stamps.date;
+  m.props.TimeStampCol = how.stamps.time;
+  m.props.PCDStatusCol = how.stamps.status;
+  BuildGrid(m);
+
+  // The table as the control filled it: number, PC date and time, status, then the cells.
+  std::string item;
+  for (const RecordedRow& row : rows) {
+    item = std::to_string(row.recordNumber);
+    (item += '\t') += FormatStatusDate(row.pcTime);
+    (item += '\t') += FormatStatusTime(row.pcTime);
+    (item += '\t') += row.status;
+    (item += '\t') += row.line;
+    m.grid.AddItem(item);
+  }
+
+  m.props.ExportFile = how.file;
+  m.props.ExportFormat = how.format;
+  m.CommandedExport = true;  // so that the export says what it did
+  ExportFromButton(m);
+  const bool written = m.grid.DataRowCount() == 0;
+  message.clear();
+  for (const ShownMessage& shown : prompts.Messages()) {
+    if (!message.empty()) message += '\n';
+    message += shown.text;
+  }
+  return written;
+}
+
+}  // namespace vantrel
