@@ -3,7 +3,8 @@
 #   bash scripts/fuzz.sh            smoke run: 15 seconds per target (what CI runs)
 #   bash scripts/fuzz.sh 3600       long run: an hour per target
 #   bash scripts/fuzz.sh 600 intake one target
-#   FUZZ_RUNS=10000000 bash scripts/fuzz.sh 0      long run: ten million inputs per target
+#   FUZZ_RUNS=10000000 FUZZ_TIMEOUT=60 bash scripts/fuzz.sh 0
+#                                   long run: ten million inputs per target
 # Inputs in fuzz/regressions/<target>/ (findings fixed before) are run first. Findings are
 # written to build/fuzz/findings/<target>/; the corpora grow in
 # build/fuzz/corpus/<target>/, seeded from examples/ and fuzz/seeds/.
@@ -13,6 +14,9 @@ cd "$root"
 seconds="${1:-15}"
 shift || true
 runs="${FUZZ_RUNS:--1}"
+# Seconds one input may take: a long run beside other work (or under nice) may be starved of
+# the processor for longer than any input needs, and would report that as a hang.
+timeout="${FUZZ_TIMEOUT:-10}"
 # The targets hand their inputs to the readers as files: a memory-backed scratch directory
 # makes that several times faster than a disk one.
 if [ -z "${TMPDIR:-}" ] && [ -d /dev/shm ] && [ -w /dev/shm ]; then
@@ -60,7 +64,7 @@ for t in "${targets[@]}"; do
     fi
   fi
   echo "== fuzz_$t for ${seconds}s (runs: $runs)"
-  if ! build/fuzz/fuzz/fuzz_$t -max_total_time="$seconds" -runs="$runs" -rss_limit_mb=2048 -timeout=10 \
+  if ! build/fuzz/fuzz/fuzz_$t -max_total_time="$seconds" -runs="$runs" -rss_limit_mb=2048 -timeout="$timeout" \
       -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$t/" \
       "build/fuzz/corpus/$t" 2>"build/fuzz/$t.log"; then
     echo "fuzz_$t found a problem: see build/fuzz/$t.log and build/fuzz/findings/$t/"

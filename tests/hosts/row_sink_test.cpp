@@ -11,6 +11,7 @@
 #include "support/temp_dir.h"
 #include "vantrel/control.h"
 #include "vantrel/manual_event_loop.h"
+#include "vantrel/recorded_export.h"
 #include "vantrel/row_sink.h"
 #include "vantrel/scripted_prompts.h"
 
@@ -37,6 +38,8 @@ struct SinkFixture {
     control->SetStartRegister(program.Config().startRegister);
     control->SetInterval(100);
     control->SetPCDStatus(2);
+    control->SetTimeStampCol(true);
+    control->SetPCDStatusCol(true);
     control->Start();
     loop.Advance(5);
     control->SetRunMode(2);
@@ -79,8 +82,16 @@ TEST(RowSinks, SeeTheDescriptionAndEveryRowWithItsKind) {
   using K = HistoryRowKind;
   EXPECT_EQ(kinds, (std::vector<K>{K::Record, K::Record, K::Miss, K::Record, K::Record, K::Record,
                                    K::Record, K::Status, K::Restart}));
-  // One row for every line the host heard, in the same order.
+  // One row for every line the host heard, in the same order, and each row's cells shown
+  // again with its stamps give that line exactly (markers and status rows included).
   ASSERT_EQ(f.sink.rows.size(), f.host.lines.size());
+  const RecordedStamps stamps{f.control->DateStampCol(), f.control->TimeStampCol(),
+                              f.control->PCDStatusCol()};
+  for (size_t i = 0; i < f.sink.rows.size(); ++i) {
+    const HistoryRow& row = f.sink.rows[i];
+    const RecordedRow recorded{row.kind, row.recordNumber, row.pcTime, row.status, row.line};
+    EXPECT_EQ(RecordedLine(recorded, stamps), f.host.lines[i]) << "row " << i;
+  }
 
   const HistoryRow& first = f.sink.rows[0];
   EXPECT_EQ(first.recordNumber, 1);
