@@ -204,7 +204,7 @@ std::optional<std::string> HistoryTime(const std::string& text, bool end) {
       second > 59 || hour < 0 || minute < 0 || second < 0 || milli < 0) {
     return std::nullopt;
   }
-  char out[32];
+  char out[96];  // room for any int, though the checks above keep every field short
   std::snprintf(out, sizeof out, "%04d-%02d-%02d %02d:%02d:%02d.%03d", year, month, day, hour,
                 minute, second, milli);
   return std::string(out);
