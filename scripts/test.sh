@@ -41,5 +41,14 @@ rm -rf "$prefix"
 cmake --install build/ci --prefix "$prefix" >/dev/null
 cmake -S tests/package -B build/ci-consumer -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build build/ci-consumer
-./build/ci-consumer/vantrel_consumer
+ctest --test-dir build/ci-consumer --output-on-failure
+
+echo "== the embedding guide's example projects, built against the installed package"
+for project in console-host qt-host; do
+  cmake -S "examples/embedding/$project" -B "build/ci-$project" -G Ninja \
+    -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+  cmake --build "build/ci-$project"
+done
+./build/ci-console-host/console-host 5
+QT_QPA_PLATFORM=offscreen ./build/ci-qt-host/qt-host --rows 5
 echo "All checks passed."
