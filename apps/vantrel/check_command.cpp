@@ -8,6 +8,7 @@
 #include "console_prompts.h"
 #include "control/resource_paths.h"
 #include "description/description_loader.h"
+#include "description/field_types.h"
 #include "description/user_buffer.h"
 #include "event_log.h"
 #include "platform/paths.h"
@@ -55,9 +56,8 @@ bool Load(const CheckOptions& o, Loaded& out, std::string& error) {
   return LoadDescription(d, 16, sources, error);
 }
 
-const char* FieldTypeName(int16_t type) {
-  static constexpr const char* kNames[] = {"?", "Bit", "Nible", "Byte", "Word", "Long", "Strg"};
-  return type >= 1 && type <= 6 ? kNames[type] : "?";
+std::string FieldTypeName(int16_t type) {
+  return type >= 1 && type <= 6 ? FieldTypeWord(type) : "?";
 }
 
 std::string Utf8(std::string_view cp1252) {
@@ -144,7 +144,7 @@ void PrintText(const Loaded& l) {
     if (!c.DefaultText.empty())
       values += (values.empty() ? "" : " ") + ("default " + c.DefaultText);
     std::printf("%-4zu %-4d %-6s %-4d %-6d %-20s %-6s %s\n", n, c.RegisterIndex,
-                FieldTypeName(c.FieldType), c.Position, c.Width, Utf8(c.Caption).c_str(),
+                FieldTypeName(c.FieldType).c_str(), c.Position, c.Width, Utf8(c.Caption).c_str(),
                 Utf8(c.DisplayCode).c_str(), Utf8(values).c_str());
   }
   if (l.valueTexts.Count() > 0) {

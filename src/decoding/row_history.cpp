@@ -1,14 +1,10 @@
 #include "decoding/row_history.h"
 
+#include "description/field_types.h"
 #include "platform/numbers.h"
 
 namespace vantrel {
 namespace {
-
-std::string FieldTypeName(int16_t type) {
-  static constexpr const char* kNames[] = {"", "Bit", "Nible", "Byte", "Word", "Long", "Strg"};
-  return type >= 1 && type <= 6 ? kNames[type] : std::to_string(type);
-}
 
 void Send(Module& m, const HistoryRow& row) {
   for (RowSink* sink : m.rowSinks)
@@ -28,7 +24,7 @@ void AnnounceDescription(Module& m) {
   for (int number = 0; number <= highest; ++number) {
     const ColumnDef& c = m.description.Columns[static_cast<size_t>(number)];
     if (!c.Defined) continue;
-    d.columns.push_back({c.Caption, c.RegisterIndex, FieldTypeName(c.FieldType), c.Position,
+    d.columns.push_back({c.Caption, c.RegisterIndex, FieldTypeWord(c.FieldType), c.Position,
                          c.DisplayCode, c.Width});
   }
   for (RowSink* sink : m.rowSinks)

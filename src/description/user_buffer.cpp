@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "description/field_types.h"
 #include "description/profile_file.h"
 #include "platform/numbers.h"
 #include "platform/runtime_error.h"
@@ -9,8 +10,6 @@
 
 namespace vantrel {
 namespace {
-
-constexpr const char* kTypeWords[] = {"Bit", "Nible", "Byte", "Word", "Long", "Strg"};
 
 std::vector<std::string_view> SplitAtCommas(std::string_view line) {
   std::vector<std::string_view> fields;
@@ -28,10 +27,7 @@ std::vector<std::string_view> SplitAtCommas(std::string_view line) {
 void ParseUserColumn(TraceDescription& d, int number, std::string_view line) {
   const std::vector<std::string_view> f = SplitAtCommas(line);
   if (f.size() < 8 || number < 0 || number > 127) return;
-  int16_t type = 0;
-  for (int16_t i = 0; i < 6; ++i) {
-    if (f[1] == kTypeWords[i]) type = static_cast<int16_t>(i + 1);
-  }
+  const int16_t type = FieldTypeOfWord(f[1]);
   if (type == 0) return;
   try {
     ColumnDef column = d.Columns[static_cast<size_t>(number)];

@@ -3,20 +3,13 @@
 #include "control/module.h"
 #include "decoding/grid_setup.h"
 #include "decoding/stamps.h"
+#include "description/field_types.h"
 #include "output/output_steps.h"
 #include "vantrel/manual_event_loop.h"
 #include "vantrel/scripted_prompts.h"
 
 namespace vantrel {
 namespace {
-
-int16_t FieldTypeNumber(const std::string& name) {
-  static constexpr const char* kNames[] = {"Bit", "Nible", "Byte", "Word", "Long", "Strg"};
-  for (int16_t i = 0; i < 6; ++i) {
-    if (name == kNames[i]) return static_cast<int16_t>(i + 1);
-  }
-  return 0;
-}
 
 // Events of a control that only exports: nobody listens.
 struct SilentEvents : ControlEvents {};
@@ -72,7 +65,7 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
     const HistoryColumn& c = description.columns[i];
     ColumnDef& d = m.description.Columns[i + 1];
     d.Defined = -1;
-    d.FieldType = FieldTypeNumber(c.fieldType);
+    d.FieldType = FieldTypeOfWord(c.fieldType);
     d.RegisterIndex = c.registerIndex;
     d.Position = c.position;
     d.Caption = c.caption;

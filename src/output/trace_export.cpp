@@ -9,6 +9,7 @@
 #include <string>
 
 #include "control/clear.h"
+#include "description/field_types.h"
 #include "description/profile_file.h"
 #include "output/csv_export.h"
 #include "output/date_serial.h"
@@ -77,11 +78,6 @@ ExportCellKind KindOfColumn(const Module& m, int column) {
   return type.format == kFormatDate   ? ExportCellKind::Date
          : type.format == kFormatTime ? ExportCellKind::Time
                                       : ExportCellKind::DateTime;
-}
-
-std::string FieldTypeName(int16_t type) {
-  static constexpr const char* kNames[] = {"", "Bit", "Nible", "Byte", "Word", "Long", "Strg"};
-  return type >= 1 && type <= 6 ? kNames[type] : std::to_string(type);
 }
 
 int16_t Cell16(int value) {
@@ -181,7 +177,7 @@ ExportSource SourceOf(const Module& m) {
       const ColumnDef& d = m.description.Columns[static_cast<size_t>(definition)];
       c.traceColumn = true;
       c.registerIndex = d.RegisterIndex;
-      c.fieldType = FieldTypeName(d.FieldType);
+      c.fieldType = FieldTypeWord(d.FieldType);
       c.position = d.Position;
       c.displayCode = d.DisplayCode;
     }
