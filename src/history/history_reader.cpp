@@ -5,53 +5,12 @@
 #include <cstdio>
 #include <map>
 
+#include "sqlite_statement.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/sqlite_history.h"
 
 namespace vantrel::history {
 namespace {
-
-// A prepared statement, finalized with its owner.
-class Query {
- public:
-  Query(sqlite3* db, const char* sql) : db_(db) {
-    sqlite3_prepare_v2(db, sql, -1, &statement_, nullptr);
-  }
-  ~Query() { sqlite3_finalize(statement_); }
-  Query(const Query&) = delete;
-  Query& operator=(const Query&) = delete;
-  bool Ok() const { return statement_ != nullptr; }
-  void Bind(int index, const std::string& text) {
-    if (text.empty()) {
-      sqlite3_bind_null(statement_, index);
-    } else {
-      sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()),
-                        SQLITE_TRANSIENT);
-    }
-  }
-  void Bind(int index, int64_t value) { sqlite3_bind_int64(statement_, index, value); }
-  void Reset() { sqlite3_reset(statement_); }
-  // True while there is a row; Failed() tells an error from the end.
-  bool Next() {
-    result_ = sqlite3_step(statement_);
-    return result_ == SQLITE_ROW;
-  }
-  bool Failed() const { return result_ != SQLITE_DONE && result_ != SQLITE_ROW; }
-  std::string Error() const { return sqlite3_errmsg(db_); }
-  std::string Text(int column) const {
-    const auto* text = sqlite3_column_text(statement_, column);
-    return text != nullptr
-               ? std::string(reinterpret_cast<const char*>(text),
-                             static_cast<size_t>(sqlite3_column_bytes(statement_, column)))
-               : std::string();
-  }
-  int64_t Int(int column) const { return sqlite3_column_int64(statement_, column); }
-
- private:
-  sqlite3* db_;
-  sqlite3_stmt* statement_ = nullptr;
-  int result_ = SQLITE_DONE;
-};
 
 HistoryRowKind KindOf(const std::string& text) {
   if (text == "miss") return HistoryRowKind::Miss;
@@ -82,13 +41,13 @@ std::unique_ptr<HistoryReader> HistoryReader::Open(const std::string& path, std:
     return nullptr;
   }
   sqlite3_busy_timeout(database->db, 5000);
-  Query version(database->db, "SELECT version FROM vantrel_schema");
+  Statement version(database->db, "SELECT version FROM vantrel_schema");
   if (!version.Ok() || !version.Next()) {
     error = path + " is not a Vantrel history" +
             (version.Failed() ? " (" + version.Error() + ")" : std::string());
     return nullptr;
   }
-  database->version = version.Int(0);
+  database->version = version.ColumnInt(0);
   if (database->version > kHistorySchemaVersion) {
     error = path + " has schema version " + std::to_string(database->version) +
             ", newer than this Vantrel's (" + std::to_string(kHistorySchemaVersion) + ")";
@@ -102,15 +61,15 @@ HistoryReader::~HistoryReader() = default;
 
 std::vector<BufferSummary> HistoryReader::Buffers(std::string& error) const {
   std::vector<BufferSummary> buffers;
-  Query q(db_->db,
-          "SELECT d.buffer_key, count(DISTINCT d.id), count(r.id), "
-          "coalesce(sum(r.kind = 'record'), 0), coalesce(sum(r.missed), 0), "
-          "coalesce(min(r.pc_time), ''), coalesce(max(r.pc_time), '') "
-          "FROM descriptions d LEFT JOIN rows r ON r.description_id = d.id "
-          "GROUP BY d.buffer_key ORDER BY d.buffer_key");
+  Statement q(db_->db,
+              "SELECT d.buffer_key, count(DISTINCT d.id), count(r.id), "
+              "coalesce(sum(r.kind = 'record'), 0), coalesce(sum(r.missed), 0), "
+              "coalesce(min(r.pc_time), ''), coalesce(max(r.pc_time), '') "
+              "FROM descriptions d LEFT JOIN rows r ON r.description_id = d.id "
+              "GROUP BY d.buffer_key ORDER BY d.buffer_key");
   while (q.Next()) {
-    buffers.push_back(
-        {Utf8ToCp1252(q.Text(0)), q.Int(1), q.Int(2), q.Int(3), q.Int(4), q.Text(5), q.Text(6)});
+    buffers.push_back({Utf8ToCp1252(q.ColumnText(0)), q.ColumnInt(1), q.ColumnInt(2),
+                       q.ColumnInt(3), q.ColumnInt(4), q.ColumnText(5), q.ColumnText(6)});
   }
   if (!q.Ok() || q.Failed()) error = q.Error();
   return buffers;
@@ -120,59 +79,61 @@ bool HistoryReader::ReadRange(const std::string& key, const std::string& from,
                               const std::string& to, std::vector<RecordedPart>& parts,
                               std::string& error) const {
   // Rows written before their cells were kept as shown give the cells as stored.
-  Query rows(db_->db,
-             db_->version >= 2
-                 ? "SELECT r.description_id, r.kind, r.record_number, r.pc_time, r.status, "
-                   "coalesce(r.shown, (SELECT group_concat(value, char(9)) FROM "
-                   "json_each(r.display))) FROM rows r JOIN descriptions d ON d.id = "
-                   "r.description_id WHERE d.buffer_key = ?1 AND (?2 IS NULL OR r.pc_time >= ?2) "
-                   "AND (?3 IS NULL OR r.pc_time <= ?3) ORDER BY r.id"
-                 : "SELECT r.description_id, r.kind, r.record_number, r.pc_time, r.status, "
-                   "(SELECT group_concat(value, char(9)) FROM json_each(r.display)) FROM rows r "
-                   "JOIN descriptions d ON d.id = r.description_id WHERE d.buffer_key = ?1 AND "
-                   "(?2 IS NULL OR r.pc_time >= ?2) AND (?3 IS NULL OR r.pc_time <= ?3) "
-                   "ORDER BY r.id");
-  Query description(db_->db, "SELECT buffer_key, title, version FROM descriptions WHERE id = ?");
-  Query columns(db_->db, db_->version >= 2
-                             ? "SELECT caption, register, type, position, display_code, width "
-                               "FROM description_columns WHERE description_id = ? "
-                               "ORDER BY column_index"
-                             : "SELECT caption, register, type, position, display_code, 0 "
-                               "FROM description_columns WHERE description_id = ? "
-                               "ORDER BY column_index");
+  Statement rows(
+      db_->db, db_->version >= 2
+                   ? "SELECT r.description_id, r.kind, r.record_number, r.pc_time, r.status, "
+                     "coalesce(r.shown, (SELECT group_concat(value, char(9)) FROM "
+                     "json_each(r.display))) FROM rows r JOIN descriptions d ON d.id = "
+                     "r.description_id WHERE d.buffer_key = ?1 AND (?2 IS NULL OR r.pc_time >= ?2) "
+                     "AND (?3 IS NULL OR r.pc_time <= ?3) ORDER BY r.id"
+                   : "SELECT r.description_id, r.kind, r.record_number, r.pc_time, r.status, "
+                     "(SELECT group_concat(value, char(9)) FROM json_each(r.display)) FROM rows r "
+                     "JOIN descriptions d ON d.id = r.description_id WHERE d.buffer_key = ?1 AND "
+                     "(?2 IS NULL OR r.pc_time >= ?2) AND (?3 IS NULL OR r.pc_time <= ?3) "
+                     "ORDER BY r.id");
+  Statement description(db_->db,
+                        "SELECT buffer_key, title, version FROM descriptions WHERE id = ?");
+  Statement columns(db_->db, db_->version >= 2
+                                 ? "SELECT caption, register, type, position, display_code, width "
+                                   "FROM description_columns WHERE description_id = ? "
+                                   "ORDER BY column_index"
+                                 : "SELECT caption, register, type, position, display_code, 0 "
+                                   "FROM description_columns WHERE description_id = ? "
+                                   "ORDER BY column_index");
   if (!rows.Ok() || !description.Ok() || !columns.Ok()) {
     error = rows.Error();
     return false;
   }
-  rows.Bind(1, key);
-  rows.Bind(2, from);
-  rows.Bind(3, to);
+  rows.TextOrNull(1, key);
+  rows.TextOrNull(2, from);
+  rows.TextOrNull(3, to);
   int64_t current = -1;
   while (rows.Next()) {
-    const int64_t id = rows.Int(0);
+    const int64_t id = rows.ColumnInt(0);
     if (id != current) {
       current = id;
       RecordedPart part;
       description.Reset();
-      description.Bind(1, id);
+      description.Int(1, id);
       if (description.Next()) {
-        part.description.key = Utf8ToCp1252(description.Text(0));
-        part.description.title = Utf8ToCp1252(description.Text(1));
-        part.description.version = static_cast<int32_t>(description.Int(2));
+        part.description.key = Utf8ToCp1252(description.ColumnText(0));
+        part.description.title = Utf8ToCp1252(description.ColumnText(1));
+        part.description.version = static_cast<int32_t>(description.ColumnInt(2));
       }
       columns.Reset();
-      columns.Bind(1, id);
+      columns.Int(1, id);
       while (columns.Next()) {
         part.description.columns.push_back(
-            {Utf8ToCp1252(columns.Text(0)), static_cast<int16_t>(columns.Int(1)), columns.Text(2),
-             static_cast<int16_t>(columns.Int(3)), Utf8ToCp1252(columns.Text(4)),
-             static_cast<int32_t>(columns.Int(5))});
+            {Utf8ToCp1252(columns.ColumnText(0)), static_cast<int16_t>(columns.ColumnInt(1)),
+             columns.ColumnText(2), static_cast<int16_t>(columns.ColumnInt(3)),
+             Utf8ToCp1252(columns.ColumnText(4)), static_cast<int32_t>(columns.ColumnInt(5))});
       }
       parts.push_back(std::move(part));
     }
-    parts.back().rows.push_back({KindOf(rows.Text(1)), static_cast<int32_t>(rows.Int(2)),
-                                 ParseTime(rows.Text(3)), Utf8ToCp1252(rows.Text(4)),
-                                 Utf8ToCp1252(rows.Text(5))});
+    parts.back().rows.push_back({KindOf(rows.ColumnText(1)),
+                                 static_cast<int32_t>(rows.ColumnInt(2)),
+                                 ParseTime(rows.ColumnText(3)), Utf8ToCp1252(rows.ColumnText(4)),
+                                 Utf8ToCp1252(rows.ColumnText(5))});
   }
   if (rows.Failed()) {
     error = rows.Error();

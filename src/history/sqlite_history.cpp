@@ -11,6 +11,7 @@
 #include <thread>
 #include <variant>
 
+#include "sqlite_statement.h"
 #include "vantrel/encoding.h"
 
 namespace vantrel::history {
@@ -156,34 +157,6 @@ EncodedRow Encode(const HistoryRow& row) {
   e.shown = Cp1252ToUtf8(row.line);
   return e;
 }
-
-// A prepared statement, finalized with its owner.
-class Statement {
- public:
-  Statement(sqlite3* db, const char* sql) { sqlite3_prepare_v2(db, sql, -1, &statement_, nullptr); }
-  ~Statement() { sqlite3_finalize(statement_); }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-  sqlite3_stmt* get() const { return statement_; }
-  void Text(int index, const std::string& text) {
-    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()),
-                      SQLITE_TRANSIENT);
-  }
-  // The text must stay unchanged until the statement has been stepped.
-  void StaticText(int index, const std::string& text) {
-    sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
-  }
-  void Int(int index, int64_t value) { sqlite3_bind_int64(statement_, index, value); }
-  void Null(int index) { sqlite3_bind_null(statement_, index); }
-  bool Step() {
-    const int result = sqlite3_step(statement_);
-    sqlite3_reset(statement_);
-    return result == SQLITE_DONE;
-  }
-
- private:
-  sqlite3_stmt* statement_ = nullptr;
-};
 
 bool Execute(sqlite3* db, const char* sql, std::string& error) {
   char* message = nullptr;
