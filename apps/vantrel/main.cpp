@@ -45,7 +45,22 @@ int main(int argc, char** argv) {
   runCommand->add_flag("--auto-export", run.autoExport, "Export whenever the table is full");
   runCommand->add_flag("--export-on-exit", run.exportOnExit, "Export the table when stopping");
   runCommand->add_option("--history", run.historyFile,
-                         "Keep every row in this SQLite record history (created if missing)");
+                         "Keep every row in a record history: a SQLite file (created if "
+                         "missing) or a PostgreSQL database (postgresql://...)");
+  runCommand->add_option("--history-spool", run.history.spoolDirectory,
+                         "Where rows wait while the PostgreSQL server is away (default: the "
+                         "temporary directory)");
+  runCommand
+      ->add_option_function<std::string>(
+          "--history-spool-limit",
+          [&run](const std::string& text) {
+            const auto bytes = vantrel::cli::ParseByteSize(text);
+            if (!bytes || *bytes == 0) throw CLI::ValidationError("--history-spool-limit", text);
+            run.history.spoolLimitBytes = *bytes;
+          },
+          "The most the spool holds, in bytes, or with K, M or G (default 256M); rows beyond it "
+          "are lost and reported")
+      ->type_name("SIZE");
   runCommand
       ->add_option("--export-format", run.exportFormat,
                    "Export file format: biff2 (Excel 2.x, the default), xlsx or csv")

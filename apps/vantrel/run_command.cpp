@@ -10,8 +10,8 @@
 #include "console_prompts.h"
 #include "controller_links.h"
 #include "event_log.h"
+#include "run_history.h"
 #include "vantrel/control.h"
-#include "vantrel/history/sqlite_history.h"
 #include "vantrel/hosts/embedded_controller.h"
 #include "vantrel/hosts/examples_directory.h"
 #include "vantrel/hosts/program_file.h"
@@ -54,8 +54,10 @@ class RunHost : public ControlEvents {
     log_.Write("ModulError", "\"ErrType\":" + std::to_string(ErrType) +
                                  ",\"ErrMessage\":" + JsonString(ErrMessage));
     std::fprintf(stderr, "ModulError %d: %s\n", ErrType, Printable(ErrMessage).c_str());
-    // A failed description or record load leaves nothing more to read.
-    if (control != nullptr && (control->RunMode() == 0 || control->ReadState() < 3)) {
+    // A failed description or record load leaves nothing more to read; a history's loss
+    // is told, and reading goes on.
+    if (ErrType != kHistoryErrType && control != nullptr &&
+        (control->RunMode() == 0 || control->ReadState() < 3)) {
       failed = true;
       loop_.Quit();
     }
@@ -223,15 +225,17 @@ int Run(const RunOptions& o) {
 
   // The record history: the option, or what the properties file says.
   if (o.historyFile) control.SetHistoryFile(*o.historyFile);
-  std::unique_ptr<history::SqliteHistory> recordHistory;
+  std::unique_ptr<RunHistory> recordHistory;
   if (!control.HistoryFile().empty()) {
     std::string error;
-    recordHistory = history::SqliteHistory::Open(control.HistoryFile(), error);
+    HistorySettings settings = o.history;
+    settings.target = control.HistoryFile();
+    settings.source = o.controller;
+    recordHistory = RunHistory::Open(settings, control, loop, error);
     if (!recordHistory) {
       std::fprintf(stderr, "vantrel run: %s\n", error.c_str());
       return 2;
     }
-    control.AddRowSink(recordHistory.get());
   }
 
   signalledLoop = &loop;
@@ -262,10 +266,9 @@ int Run(const RunOptions& o) {
     }
   }
   if (recordHistory) {
-    control.RemoveRowSink(recordHistory.get());
-    recordHistory->Flush();
-    if (!recordHistory->LastError().empty()) {
-      std::fprintf(stderr, "vantrel run: %s\n", recordHistory->LastError().c_str());
+    const std::string failure = recordHistory->Close();
+    if (!failure.empty()) {
+      std::fprintf(stderr, "vantrel run: %s\n", failure.c_str());
       return 1;
     }
   }

@@ -33,6 +33,10 @@ class Container {
 
 // The services a control needs from its platform, handed over at construction. They must
 // outlive the control.
+// The ModulError number of a record history that lost rows (ReportHistoryError); the
+// control's own errors use 10 to 13 and 99.
+inline constexpr int16_t kHistoryErrType = 20;
+
 struct ControlServices {
   TimerFactory& timers;
   const Clock& clock;
@@ -150,6 +154,9 @@ class Control {
   // The writer of .xlsx exports, for hosts that create it after the control.
   void SetXlsxExporter(TableExporter* exporter);
   void RemoveRowSink(RowSink* sink);
+  // Raises ModulError with kHistoryErrType: a sink of the host lost rows, and whoever
+  // watches the control's errors must learn it.
+  void ReportHistoryError(std::string_view message);
   void RemoveSurfaceObserver(SurfaceObserver* observer);
 
   struct Module;  // the control's state, shared by its subsystems

@@ -126,6 +126,10 @@ void Control::RemoveRowSink(RowSink* sink) {
   std::erase(module_->rowSinks, sink);
 }
 
+void Control::ReportHistoryError(std::string_view message) {
+  module_->RaiseError(kHistoryErrType, message);
+}
+
 void Control::AddSurfaceObserver(SurfaceObserver* observer) {
   if (observer != nullptr) module_->surfaceObservers.push_back(observer);
 }

@@ -2,15 +2,14 @@
 
 #include <sqlite3.h>
 
-#include <charconv>
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <mutex>
 #include <thread>
 #include <variant>
 
+#include "encoded_row.h"
 #include "sqlite_statement.h"
 #include "vantrel/encoding.h"
 
@@ -59,104 +58,6 @@ CREATE VIEW record_values AS
   JOIN description_columns c ON c.description_id = r.description_id
   WHERE r.kind = 'record';
 )sql";
-
-// JSON texts of the row's cells, built without a library: strings escaped, numbers bare.
-void AppendJsonString(std::string& out, std::string_view utf8) {
-  out += '"';
-  for (const char ch : utf8) {
-    const auto c = static_cast<unsigned char>(ch);
-    if (c == '"' || c == '\\') {
-      (out += '\\') += ch;
-    } else if (c < 0x20) {
-      char escaped[8];
-      std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-      out += escaped;
-    } else {
-      out += ch;
-    }
-  }
-  out += '"';
-}
-
-void AppendJsonNumber(std::string& out, double value) {
-  char digits[32];
-  out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-}
-
-std::string DisplayJson(const HistoryRow& row) {
-  std::string json = "[";
-  for (size_t i = 0; i < row.display.size(); ++i) {
-    if (i > 0) json += ',';
-    if (i < row.number.size() && row.number[i]) {
-      AppendJsonNumber(json, *row.number[i]);
-    } else {
-      AppendJsonString(json, Cp1252ToUtf8(row.display[i]));
-    }
-  }
-  return json + "]";
-}
-
-std::string RawJson(const HistoryRow& row) {
-  std::string json = "[";
-  for (size_t i = 0; i < row.raw.size(); ++i) {
-    if (i > 0) json += ',';
-    const std::string& text = row.raw[i];
-    int64_t value = 0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (!text.empty() && ec == std::errc() && end == text.data() + text.size()) {
-      json += text;
-    } else {
-      AppendJsonString(json, Cp1252ToUtf8(text));
-    }
-  }
-  return json + "]";
-}
-
-std::string IsoTime(const DateTime& t) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
-                t.hour, t.minute, t.second, t.millisecond);
-  return text;
-}
-
-const char* KindText(HistoryRowKind kind) {
-  switch (kind) {
-    case HistoryRowKind::Miss:
-      return "miss";
-    case HistoryRowKind::Restart:
-      return "restart";
-    case HistoryRowKind::Status:
-      return "status";
-    default:
-      return "record";
-  }
-}
-
-// A row as it goes into the table: encoded where it is handed over, so that the queue holds
-// a few strings per row rather than three per cell.
-struct EncodedRow {
-  const char* kind = "record";
-  int64_t recordNumber = 0;
-  std::string pcTime;
-  std::string status;
-  std::optional<int64_t> missed;
-  std::string display;
-  std::string raw;
-  std::string shown;
-};
-
-EncodedRow Encode(const HistoryRow& row) {
-  EncodedRow e;
-  e.kind = KindText(row.kind);
-  e.recordNumber = row.recordNumber;
-  e.pcTime = IsoTime(row.pcTime);
-  e.status = Cp1252ToUtf8(row.status);
-  if (row.kind == HistoryRowKind::Miss) e.missed = row.missed;
-  e.display = DisplayJson(row);
-  e.raw = RawJson(row);
-  e.shown = Cp1252ToUtf8(row.line);
-  return e;
-}
 
 bool Execute(sqlite3* db, const char* sql, std::string& error) {
   char* message = nullptr;
@@ -213,7 +114,7 @@ bool PrepareSchema(sqlite3* db, std::string& error) {
 }  // namespace
 
 struct SqliteHistory::Worker {
-  using Item = std::variant<HistoryDescription, EncodedRow>;
+  using Item = HistoryItem;
   static constexpr int kRowsPerInsert = 64;
   static constexpr int kRowParameters = 9;
 
@@ -222,12 +123,14 @@ struct SqliteHistory::Worker {
   mutable std::mutex mutex;
   std::condition_variable wake;
   std::condition_variable written;
-  std::deque<Item> queue;     // guarded by mutex
-  uint64_t queued = 0;        // guarded: items ever queued
-  uint64_t done = 0;          // guarded: items ever written (or given up on)
-  bool stopping = false;      // guarded
-  std::string error;          // guarded: the first failure
-  int64_t descriptionId = 0;  // worker only
+  std::deque<Item> queue;  // guarded by mutex
+  uint64_t queued = 0;     // guarded: items ever queued
+  uint64_t done = 0;       // guarded: items ever written (or given up on)
+  bool stopping = false;   // guarded
+  std::string error;       // guarded: the first failure
+  int64_t lost = 0;        // guarded: rows lost
+  std::function<void(int64_t, std::string_view)> rowsLost;  // guarded
+  int64_t descriptionId = 0;                                // worker only
 
   ~Worker() { sqlite3_close(db); }
 
@@ -247,6 +150,24 @@ struct SqliteHistory::Worker {
   void Fail(const std::string& text) {
     std::lock_guard lock(mutex);
     if (error.empty()) error = text;
+  }
+
+  void ReportLost(const std::deque<Item>& batch, const std::string& problem) {
+    int64_t rows = 0;
+    for (const Item& item : batch)
+      rows += std::holds_alternative<EncodedRow>(item) ? 1 : 0;
+    std::function<void(int64_t, std::string_view)> report;
+    int64_t total = 0;
+    {
+      std::lock_guard lock(mutex);
+      lost += rows;
+      total = lost;
+      report = rowsLost;
+    }
+    if (report && rows > 0) {
+      report(rows, std::to_string(rows) + " history rows lost: the history could not be written: " +
+                       problem + " (" + std::to_string(total) + " lost in all)");
+    }
   }
 
   // Rows batch[first .. last) into `statement`, which has exactly that many row slots.
@@ -346,6 +267,7 @@ struct SqliteHistory::Worker {
         std::string ignored;
         Execute(db, "ROLLBACK", ignored);
         Fail("the history could not be written: " + problem);
+        ReportLost(batch, problem);
       }
       {
         std::lock_guard lock(mutex);
@@ -402,6 +324,11 @@ void SqliteHistory::Flush() {
   const uint64_t target = worker_->queued;
   worker_->wake.notify_all();
   worker_->written.wait(lock, [&] { return worker_->done >= target; });
+}
+
+void SqliteHistory::OnRowsLost(std::function<void(int64_t, std::string_view)> report) {
+  std::lock_guard lock(worker_->mutex);
+  worker_->rowsLost = std::move(report);
 }
 
 std::string SqliteHistory::LastError() const {

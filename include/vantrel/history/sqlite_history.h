@@ -4,8 +4,11 @@
 // in batches, one transaction per batch (whatever came within 100 ms), in WAL mode, so the
 // control never waits for the disk. The schema is in docs/history.md.
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "vantrel/row_sink.h"
 
@@ -29,6 +32,9 @@ class SqliteHistory final : public RowSink {
   void Flush();
   // The first write failure, empty while all went well.
   std::string LastError() const;
+  // Called on the writer's thread when a batch cannot be written (a full disk, a file that
+  // became unwritable): the rows lost and a message saying so.
+  void OnRowsLost(std::function<void(int64_t rows, std::string_view message)> report);
 
  private:
   struct Worker;
