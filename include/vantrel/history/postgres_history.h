@@ -2,7 +2,8 @@
 // A record history in PostgreSQL, for a plant: many `vantrel run` processes, one per
 // controller, write into one database that any SQL client reads. Rows are queued on the
 // control's thread and written by a worker thread, one transaction per batch. While the
-// server is away, rows wait in a bounded spool on disk and are written when it returns, in
+// server is away, the batch under way waits in memory and the rows after it in a bounded
+// spool on disk and are written when it returns, in
 // order and exactly once (each batch is numbered, and the database keeps the number of the
 // last batch each writer committed, in the same transaction). The schema is in
 // docs/history.md.

@@ -1,0 +1,122 @@
+// The spool on disk: items come back as they went in, oldest first; the bound is kept and
+// space that was read is used again; bytes that are not an item are refused.
+
+#include "history/spool.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temp_dir.h"
+
+namespace vantrel::history {
+namespace {
+
+EncodedRow Row(int64_t number) {
+  EncodedRow row;
+  row.kind = KindText(number % 2 == 0 ? HistoryRowKind::Record : HistoryRowKind::Miss);
+  row.recordNumber = number;
+  row.pcTime = "2026-11-23 09:00:00.250";
+  row.status = "Miss 3";
+  if (number % 2 != 0) row.missed = number * 1000;
+  row.display = "[\"a\\tb\", 1.5]";
+  row.raw = "[3, 15]";
+  row.shown = std::string("a\tb\0c", 5);
+  return row;
+}
+
+HistoryDescription Description() {
+  HistoryDescription d;
+  d.key = "PMP1";
+  d.title = "Pump \xE9station";
+  d.version = -7;
+  d.columns = {{"Pump state", 0, "Byte", 1, "s", 900}, {"", -3, "Strg", 32767, "", -1}};
+  return d;
+}
+
+bool SameDescription(const HistoryDescription& a, const HistoryDescription& b) {
+  if (a.key != b.key || a.title != b.title || a.version != b.version ||
+      a.columns.size() != b.columns.size()) {
+    return false;
+  }
+  for (size_t i = 0; i < a.columns.size(); ++i) {
+    const HistoryColumn& x = a.columns[i];
+    const HistoryColumn& y = b.columns[i];
+    if (x.caption != y.caption || x.registerIndex != y.registerIndex ||
+        x.fieldType != y.fieldType || x.position != y.position || x.displayCode != y.displayCode ||
+        x.widthTwips != y.widthTwips) {
+      return false;
+    }
+  }
+  return true;
+}
+
+TEST(Spool, ItemsComeBackUnchangedOldestFirst) {
+  testing::TempDir dir;
+  std::string error;
+  auto spool = Spool::Open(dir.Path().string(), 1 << 20, error);
+  ASSERT_TRUE(spool) << error;
+  ASSERT_TRUE(spool->Push(Description()));
+  for (int n = 1; n <= 5; ++n)
+    ASSERT_TRUE(spool->Push(Row(n)));
+  EXPECT_EQ(spool->Items(), 6u);
+  // The file has no name: nothing is left in the directory.
+  EXPECT_TRUE(std::filesystem::is_empty(dir.Path()));
+
+  auto front = spool->Front(3);
+  ASSERT_EQ(front.size(), 3u);
+  EXPECT_TRUE(SameDescription(std::get<HistoryDescription>(front[0]), Description()));
+  EXPECT_EQ(std::get<EncodedRow>(front[1]), Row(1));
+  EXPECT_EQ(std::get<EncodedRow>(front[2]), Row(2));
+  spool->Pop(3);
+  front = spool->Front(10);
+  ASSERT_EQ(front.size(), 3u);
+  EXPECT_EQ(std::get<EncodedRow>(front[0]), Row(3));
+  EXPECT_EQ(std::get<EncodedRow>(front[2]), Row(5));
+  spool->Pop(10);
+  EXPECT_TRUE(spool->Empty());
+  EXPECT_EQ(spool->Bytes(), 0u);
+}
+
+TEST(Spool, KeepsItsBoundAndUsesReadSpaceAgain) {
+  testing::TempDir dir;
+  std::string error;
+  const uint64_t itemBytes = SerializeItem(Row(2)).size();
+  auto spool = Spool::Open(dir.Path().string(), itemBytes * 10, error);
+  ASSERT_TRUE(spool) << error;
+  for (int n = 0; n < 10; ++n)
+    ASSERT_TRUE(spool->Push(Row(2 * n)));
+  EXPECT_FALSE(spool->Push(Row(100))) << "an eleventh item passed the bound";
+  EXPECT_EQ(spool->Items(), 10u);
+  spool->Pop(6);
+  // Six items were read: their space takes six new ones, and the order holds.
+  for (int n = 10; n < 16; ++n)
+    EXPECT_TRUE(spool->Push(Row(2 * n))) << n;
+  EXPECT_FALSE(spool->Push(Row(100)));
+  // A description may pass the bound: losing one would put later rows under the wrong one.
+  EXPECT_TRUE(spool->Push(Description(), true));
+  const auto items = spool->Front(20);
+  ASSERT_EQ(items.size(), 11u);
+  EXPECT_EQ(std::get<EncodedRow>(items[0]).recordNumber, 12);
+  EXPECT_EQ(std::get<EncodedRow>(items[3]).recordNumber, 18);
+  EXPECT_EQ(std::get<EncodedRow>(items[4]).recordNumber, 20);
+  EXPECT_EQ(std::get<EncodedRow>(items[9]).recordNumber, 30);
+  EXPECT_TRUE(std::holds_alternative<HistoryDescription>(items[10]));
+}
+
+TEST(Spool, BytesThatAreNotAnItemAreRefused) {
+  HistoryItem item;
+  const std::string row = SerializeItem(Row(3));
+  for (size_t cut = 0; cut < row.size(); cut += 7)
+    EXPECT_FALSE(DeserializeItem(std::string_view(row).substr(0, cut), item)) << cut;
+  EXPECT_FALSE(DeserializeItem(row + "x", item));
+  std::string unknownKind = row;
+  unknownKind[1 + 8] = 'X';  // the first letter of "miss"
+  EXPECT_FALSE(DeserializeItem(unknownKind, item));
+  EXPECT_TRUE(DeserializeItem(row, item));
+  EXPECT_EQ(std::get<EncodedRow>(item), Row(3));
+  std::string error;
+  EXPECT_FALSE(Spool::Open("/nonexistent/spool", 100, error));
+  EXPECT_NE(error.find("/nonexistent/spool"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace vantrel::history
