@@ -19,8 +19,10 @@
 #include <vector>
 
 #include "hosts/virtual_host.h"
+#include "support/postgres_server.h"
 #include "support/temp_dir.h"
 #include "vantrel/control.h"
+#include "vantrel/history/postgres_history.h"
 #include "vantrel/history/sqlite_history.h"
 #include "vantrel/manual_event_loop.h"
 #include "vantrel/scripted_prompts.h"
@@ -118,7 +120,15 @@ bool WithHistory() {
   return text != nullptr ? std::string(text) != "0" : BudgetSeconds() <= 60;
 }
 
-TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
+// A PostgreSQL history's server, stopped for a while in the middle of the soak.
+struct ServerOutage {
+  testing::PostgresServer* server = nullptr;
+  std::unique_ptr<history::PostgresHistory> history;
+  std::string url;
+  int stops = 0;
+};
+
+void Soak(ServerOutage* postgres) {
   testing::TempDir dir;
   WriteDescription(dir);
   ManualEventLoop loop;
@@ -137,6 +147,16 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
     recordHistory = history::SqliteHistory::Open(dir.File("soak.db"), historyError);
     ASSERT_TRUE(recordHistory) << historyError;
     control.AddRowSink(recordHistory.get());
+  }
+  if (postgres != nullptr) {
+    postgres->url = postgres->server->NewDatabase();
+    std::string historyError;
+    history::PostgresHistoryOptions options;
+    options.url = postgres->url;
+    options.spoolDirectory = dir.Path().string();
+    postgres->history = history::PostgresHistory::Open(options, historyError);
+    ASSERT_TRUE(postgres->history) << historyError;
+    control.AddRowSink(postgres->history.get());
   }
   control.SetResourcePath(dir.Path().string());
   control.SetStartRegister(program.Config().startRegister);
@@ -214,6 +234,17 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   const auto start = std::chrono::steady_clock::now();
   const auto budget = std::chrono::duration<double>(BudgetSeconds());
   while (std::chrono::steady_clock::now() - start < budget && !broken) {
+    // The PostgreSQL server goes away for the middle third of the soak.
+    if (postgres != nullptr) {
+      const double part = (std::chrono::steady_clock::now() - start) / budget;
+      if (postgres->stops == 0 && part > 1.0 / 3) {
+        ASSERT_TRUE(postgres->server->Stop());
+        ++postgres->stops;
+      } else if (postgres->stops == 1 && part > 2.0 / 3) {
+        ASSERT_TRUE(postgres->server->Start());
+        ++postgres->stops;
+      }
+    }
     // The program's own pace: a few records per poll, sometimes a burst beyond the ring.
     if (holding && caughtUp()) holding = false;
     // A burst right after a restart would take the counter past its old value before the
@@ -271,6 +302,29 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   EXPECT_GT(totals.outages, 0);
   EXPECT_TRUE(host.errors.empty()) << host.errors.front();
 
+  if (postgres != nullptr) {
+    control.RemoveRowSink(postgres->history.get());
+    ASSERT_EQ(postgres->stops, 2) << "the soak ended before the server came back";
+    ASSERT_TRUE(postgres->history->Flush(std::chrono::seconds(60)));
+    EXPECT_EQ(postgres->history->RowsLost(), 0);
+    const std::string records =
+        "(SELECT id, split_part(shown, E'\\t', 1)::bigint AS n FROM rows "
+        "WHERE kind = 'record')";
+    // Every shown record once, in the order shown, and the same missing counts.
+    EXPECT_EQ(
+        testing::PostgresServer::Execute(
+            postgres->url, "SELECT count(*) || ' ' || count(DISTINCT n) FROM " + records + " r"),
+        std::to_string(totals.shown) + " " + std::to_string(totals.shown));
+    EXPECT_EQ(testing::PostgresServer::Execute(
+                  postgres->url,
+                  "SELECT count(*) FROM (SELECT n, lag(n) OVER (ORDER BY id) AS "
+                  "before FROM " +
+                      records + " r) o WHERE before >= n"),
+              "0");
+    EXPECT_EQ(testing::PostgresServer::Execute(postgres->url,
+                                               "SELECT coalesce(sum(missed), 0) FROM rows"),
+              std::to_string(totals.missed + totals.oldestShownAfterMiss));
+  }
   if (!recordHistory) return;
   control.RemoveRowSink(recordHistory.get());
   recordHistory->Flush();
@@ -281,6 +335,20 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
   // The Miss rows' own counts include the oldest records a reload showed as well.
   EXPECT_EQ(HistoryCount(dir.File("soak.db"), "SELECT total(missed) FROM rows"),
             totals.missed + totals.oldestShownAfterMiss);
+}
+
+TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
+  Soak(nullptr);
+}
+
+// The same soak with a PostgreSQL history whose server is stopped and started again during
+// the run: the history still holds every shown record once, in order.
+TEST(FaultSoak, APostgresHistoryKeepsEveryRecordOnceThroughAServerRestart) {
+  testing::PostgresServer server;
+  VANTREL_NEED_POSTGRES(server);
+  ServerOutage outage;
+  outage.server = &server;
+  Soak(&outage);
 }
 
 }  // namespace
