@@ -10,7 +10,8 @@ import pathlib
 import re
 import sys
 
-GUIDES = ["docs/description-files.md", "docs/controller-side.md", "docs/embedding.md"]
+GUIDES = ["docs/description-files.md", "docs/controller-side.md", "docs/embedding.md",
+          "examples/walkthrough/README.md", "README.md"]
 PATH = re.compile(r"examples/[A-Za-z0-9_./-]*[A-Za-z0-9_/-]")
 
 

@@ -11,7 +11,8 @@ import pathlib
 import re
 import sys
 
-GUIDES = ["docs/description-files.md", "docs/controller-side.md", "docs/embedding.md"]
+GUIDES = ["docs/description-files.md", "docs/controller-side.md", "docs/embedding.md",
+          "examples/walkthrough/README.md"]
 MARK = re.compile(r"<!-- quote: (\S+) -->")
 
 
