@@ -146,7 +146,16 @@ TEST(PostgresHistory, RowsWaitInTheSpoolWhileTheServerIsAwayAndArriveOnceInOrder
     history->RowAdded(Record(n));
   ASSERT_TRUE(history->Flush(10s));
   ASSERT_TRUE(server.Stop());
-  for (int n = 101; n <= 600; ++n)
+  // The batch under way when the server goes away waits in memory; the rows after it go to
+  // the spool.
+  history->RowAdded(Record(101));
+  auto away = [&] {
+    std::lock_guard lock(noticesMutex);
+    return !notices.empty();
+  };
+  for (int i = 0; i < 100 && !away(); ++i)
+    std::this_thread::sleep_for(50ms);
+  for (int n = 102; n <= 600; ++n)
     history->RowAdded(Record(n));
   EXPECT_FALSE(history->Flush(1s)) << "written while the server was stopped";
   EXPECT_GT(history->RowsSpooled(), 0u);
