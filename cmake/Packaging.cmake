@@ -5,6 +5,21 @@
 set(VANTREL_PACKAGE_MAINTAINER "Vantrel maintainers <maintainers@vantrel.invalid>"
     CACHE STRING "Maintainer field of the Debian package")
 
+# Every Debian package carries its copyright file and its changelog in its doc directory.
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/debian/copyright
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/vantrel)
+find_program(GZIP_EXECUTABLE gzip REQUIRED)
+configure_file(${PROJECT_SOURCE_DIR}/packaging/debian/changelog.in
+               ${PROJECT_BINARY_DIR}/packaging/debian/changelog @ONLY)
+add_custom_command(
+  OUTPUT ${PROJECT_BINARY_DIR}/packaging/debian/changelog.gz
+  COMMAND ${GZIP_EXECUTABLE} -9nkf ${PROJECT_BINARY_DIR}/packaging/debian/changelog
+  DEPENDS ${PROJECT_BINARY_DIR}/packaging/debian/changelog
+  VERBATIM)
+add_custom_target(debian_changelog ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/debian/changelog.gz)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/debian/changelog.gz
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/vantrel)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vantrel)
 set(CPACK_PACKAGE_VENDOR Vantrel)
@@ -30,11 +45,12 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The libraries are static: linking a host against them needs the -dev packages of what
 # each links (Vantrel::modbus libmodbus, Vantrel::xlsx libxlsxwriter, Vantrel::history
-# SQLite, Vantrel::qt Qt 6 Widgets and Charts) and pkg-config to find the first two.
+# SQLite, Vantrel::postgres libpq, Vantrel::qt Qt 6 Widgets and Charts) and pkg-config to
+# find the first two.
 # libxlsxwriter's pkg-config file links zlib, which its -dev package does not bring.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS
     "cmake (>= 3.25), g++ (>= 4:12), make, pkg-config, libmodbus-dev, libxlsxwriter-dev, \
-zlib1g-dev, libsqlite3-dev, qt6-base-dev, qt6-charts-dev, libqt6opengl6-dev")
+zlib1g-dev, libsqlite3-dev, libpq-dev, qt6-base-dev, qt6-charts-dev, libqt6opengl6-dev")
 
 # Only the binary package is made here; source archives come from the repository.
 set(CPACK_SOURCE_GENERATOR "")

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds Vantrel and runs every test: a warnings-as-errors build, the same tests under
-# AddressSanitizer and UndefinedBehaviorSanitizer, the formatting check, and a host project
-# built against the installed package. Build directories are reused by later runs.
+# AddressSanitizer and UndefinedBehaviorSanitizer, the formatting check, host projects
+# built against the installed package, and the Debian package installed into a fresh
+# Debian root. Build directories are reused by later runs.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -51,4 +52,15 @@ for project in console-host qt-host; do
 done
 ./build/ci-console-host/console-host 5
 QT_QPA_PLATFORM=offscreen ./build/ci-qt-host/qt-host --rows 5
+
+echo "== the Debian package, installed with apt into a fresh Debian 12 root"
+# It needs root (debootstrap, chroot, mount); CI runs as root, a developer may not.
+if [[ $(id -u) -eq 0 ]]; then
+  bash tests/package/deb_test.sh build/ci
+elif [[ "${CI:-}" == true ]]; then
+  echo "the package test needs root" >&2
+  exit 1
+else
+  echo "skipped: not root (run sudo tests/package/deb_test.sh build/ci)"
+fi
 echo "All checks passed."

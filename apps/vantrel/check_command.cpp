@@ -1,5 +1,6 @@
 #include "check_command.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -174,7 +175,11 @@ int Check(const CheckOptions& o) {
     if (o.json) {
       std::printf("{\"error\":%s}\n", JsonString(error).c_str());
     } else {
-      std::fprintf(stderr, "%s\n", Utf8(error).c_str());
+      // A message box shows a carriage return as a line break; so does a terminal here,
+      // where a bare one would write the reason over the file name.
+      std::string text = Utf8(error);
+      std::replace(text.begin(), text.end(), '\r', '\n');
+      std::fprintf(stderr, "%s\n", text.c_str());
     }
     return 1;
   }

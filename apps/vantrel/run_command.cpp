@@ -9,6 +9,7 @@
 
 #include "console_prompts.h"
 #include "controller_links.h"
+#include "description/profile_file.h"
 #include "event_log.h"
 #include "run_history.h"
 #include "vantrel/control.h"
@@ -136,7 +137,22 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
   if (o.exportFormat) {
     control.SetExportFormat(*o.exportFormat == "xlsx" ? 1 : *o.exportFormat == "csv" ? 2 : 0);
   }
-  if (o.simulation) control.SetSimulation(true);
+  if (o.simulation) {
+    // The simulation reads no buffer header, so the buffer key it compares with the user
+    // buffer file's is empty: a file that names a key is refused, which says little on its
+    // own.
+    if (o.userFile) {
+      const std::string key = ProfileFile::Load(*o.userFile).ReadString("USER_BUFFER", "HeaderKey");
+      if (!key.empty()) {
+        std::fprintf(stderr,
+                     "vantrel run: the simulation reads no buffer header, so its buffer key is "
+                     "empty and %s (HeaderKey=%s) will be refused; simulate a copy with "
+                     "HeaderKey= (empty)\n",
+                     o.userFile->c_str(), Printable(key).c_str());
+      }
+    }
+    control.SetSimulation(true);
+  }
 }
 
 // The embedded controller's program: the bundled pump station unless a file names another.

@@ -24,6 +24,17 @@ ScreenshotDriver::ScreenshotDriver(QWidget& window, qt::VantrelWidget& widget,
     : window_(window), widget_(widget), request_(std::move(request)) {
   connect(widget_.Table()->model(), &QAbstractItemModel::rowsInserted, this,
           &ScreenshotDriver::CheckRows);
+  // An error that stops acquisition means the rows will never come: say so at once.
+  connect(&widget_, &qt::VantrelWidget::ModulError, this, [this](qint16 type) {
+    const Control& control = widget_.control();
+    if (triggered_ || type == kHistoryErrType ||
+        (control.RunMode() != 0 && control.ReadState() >= 3)) {
+      return;
+    }
+    triggered_ = true;
+    timeout_.stop();
+    emit finished(1, QStringLiteral("no rows: reading stopped on error %1").arg(type));
+  });
   timeout_.setSingleShot(true);
   connect(&timeout_, &QTimer::timeout, this, [this] {
     emit finished(1, QStringLiteral("%1 rows did not arrive within %2 s")

@@ -1,7 +1,8 @@
 #pragma once
 // Takes the viewer's screenshot: once the table shows the rows asked for, optionally
 // selects graph columns and switches to the chart, renders the window into a PNG file and
-// reports the exit status. Gives up (status 1) when the rows do not come in time.
+// reports the exit status. Gives up (status 1) when the rows do not come in time or an
+// error stops the reading.
 
 #include <QObject>
 #include <QString>

@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
+#include <cstdio>
 
 #include "gui_thread_post.h"
 #include "settings_dialog.h"
@@ -14,7 +15,10 @@
 namespace vantrel::viewer {
 
 ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
-    : QMainWindow(parent), options_(std::move(options)), widget_(new qt::VantrelWidget(this)) {
+    : QMainWindow(parent),
+      options_(std::move(options)),
+      widget_(options_.screenshot.empty() ? new qt::VantrelWidget(this)
+                                          : new qt::VantrelWidget(shotPrompts_, this)) {
   setWindowTitle(tr("Vantrel Viewer"));
   setCentralWidget(widget_);
   widget_->control().SetXlsxExporter(&xlsx_);
@@ -31,6 +35,12 @@ ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
   connect(widget_, &qt::VantrelWidget::Status, this, &ViewerWindow::OnStatus);
   connect(widget_, &qt::VantrelWidget::ModulError, this, [this](qint16 type, const QString& text) {
     statusBar()->showMessage(tr("Error %1: %2").arg(type).arg(text));
+    if (!options_.screenshot.empty()) {
+      QString line = text;
+      line.replace(QLatin1Char('\r'), QLatin1String("\\r"))
+          .replace(QLatin1Char('\n'), QLatin1String("\\n"));
+      std::fprintf(stderr, "vantrel-viewer: ModulError %d: %s\n", type, line.toUtf8().constData());
+    }
   });
   connect(widget_, &qt::VantrelWidget::NewExportFile, this, [this] {
     statusBar()->showMessage(

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "controller_choice.h"
+#include "shot_prompts.h"
 #include "vantrel/history/sqlite_history.h"
 #include "vantrel/property_bag.h"
 #include "vantrel/qt/qt_timers.h"
@@ -49,6 +50,8 @@ class ViewerWindow final : public QMainWindow {
   bool OpenHistory(std::string& error);
 
   ViewerOptions options_;
+  // A screenshot is taken with no one at the screen: the control's prompts print instead.
+  ShotPrompts shotPrompts_;
   qt::VantrelWidget* widget_;
   // The virtual controller's program runs on timers of its own, which outlive it.
   qt::QtTimerFactory controllerTimers_;

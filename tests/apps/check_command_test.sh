@@ -55,14 +55,19 @@ broken no-header-length '/^HeaderLenght=/d' 'Invalid Header Lenght : 16'
 broken corrected-spelling 's/^RecordLenght=/RecordLength=/' 'Invalid Record Lenght : 0'
 broken no-columns '/=.*,.*,.*,%/d' 'No valid section founded.'
 
-# A plain description is not enciphered; a file of another extension is refused.
+# A plain description is not enciphered; a file of another extension is refused. The
+# message's carriage returns are line breaks on the terminal and kept as they are in JSON.
 cp "$examples/PMP1_pumps.vtl" "$work/plain.vtl"
 err="$("$vantrel" check "$work/plain.vtl" 2>&1 >/dev/null)"
-[ "$err" == "$(printf 'Error in description file :\n%s\r\rIncorrect file !' "$work/plain.vtl")" ] ||
+[ "$err" == "$(printf 'Error in description file :\n%s\n\nIncorrect file !' "$work/plain.vtl")" ] ||
   fail "plain: [$err]"
+j="$("$vantrel" check --json "$work/plain.vtl")"
+/usr/bin/python3 -c 'import json,sys; assert json.loads(sys.argv[1])["error"] == sys.argv[2]' "$j" \
+  "$(printf 'Error in description file :\n%s\r\rIncorrect file !' "$work/plain.vtl")" ||
+  fail "plain: JSON error [$j]"
 cp "$examples/PMP1_pumps.vtld" "$work/trace.txt"
 err="$("$vantrel" check "$work/trace.txt" 2>&1 >/dev/null)"
-[ "$err" == "$(printf 'Error in description file :\n%s\r\rBad source file extension !' "$work/trace.txt")" ] ||
+[ "$err" == "$(printf 'Error in description file :\n%s\n\nBad source file extension !' "$work/trace.txt")" ] ||
   fail "extension: [$err]"
 
 # The user buffer file needs the buffer's key.

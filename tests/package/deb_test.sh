@@ -58,19 +58,21 @@ contents="$(dpkg-deb -c "$deb" | awk '{ print $6 }')"
 for path in \
   ./usr/bin/vantrel ./usr/bin/vantrel-viewer \
   ./usr/lib/libvantrel.a ./usr/lib/libvantrel_hosts.a ./usr/lib/libvantrel_xlsx.a \
-  ./usr/lib/libvantrel_history.a ./usr/lib/libvantrel_modbus.a ./usr/lib/libvantrel_qt.a \
+  ./usr/lib/libvantrel_history.a ./usr/lib/libvantrel_postgres.a ./usr/lib/libvantrel_modbus.a \
+  ./usr/lib/libvantrel_qt.a \
   ./usr/include/vantrel/control.h ./usr/include/vantrel/xlsx_exporter.h \
   ./usr/include/vantrel/hosts/embedded_controller.h \
   ./usr/include/vantrel/hosts/modbus/modbus_client.h \
   ./usr/include/vantrel/history/sqlite_history.h ./usr/include/vantrel/qt/vantrel_widget.h \
   ./usr/lib/cmake/Vantrel/VantrelConfig.cmake ./usr/lib/cmake/Vantrel/VantrelConfigVersion.cmake \
   ./usr/lib/cmake/Vantrel/VantrelTargets.cmake ./usr/lib/cmake/Vantrel/VantrelXlsxTargets.cmake \
-  ./usr/lib/cmake/Vantrel/VantrelHistoryTargets.cmake \
+  ./usr/lib/cmake/Vantrel/VantrelHistoryTargets.cmake ./usr/lib/cmake/Vantrel/VantrelPostgresTargets.cmake \
   ./usr/lib/cmake/Vantrel/VantrelModbusTargets.cmake ./usr/lib/cmake/Vantrel/VantrelQtTargets.cmake \
   ./usr/share/vantrel/examples/PMP1_pumps.vtld ./usr/share/vantrel/examples/pumps_symbols.sym \
   ./usr/share/vantrel/examples/pumps_controller.ini \
   ./usr/share/man/man1/vantrel.1.gz ./usr/share/man/man1/vantrel-viewer.1.gz \
-  ./usr/share/doc/vantrel/README.md ./usr/share/doc/vantrel/LICENSE; do
+  ./usr/share/doc/vantrel/README.md ./usr/share/doc/vantrel/LICENSE \
+  ./usr/share/doc/vantrel/copyright ./usr/share/doc/vantrel/changelog.gz; do
   grep -qxF -- "$path" <<<"$contents" || fail "the package has no $path"
 done
 # Every public header of the source tree is in the package.
@@ -91,14 +93,22 @@ names_in() { field "$1" | sed 's/[,|]/\n/g' | awk 'NF { print $1 }'; }
 depends="$(names_in Depends)"
 # libxlsxwriter's package name carries its soname version (libxlsxwriter4 in Debian 12).
 for library in libqt6core6 libqt6gui6 libqt6widgets6 libqt6charts6 libmodbus5 'libxlsxwriter[0-9]+' \
-  libsqlite3-0 'libstdc\+\+6'; do
+  libsqlite3-0 libpq5 'libstdc\+\+6'; do
   grep -qxE -- "$library" <<<"$depends" || fail "Depends does not name $library: $(field Depends)"
 done
 suggests="$(names_in Suggests)"
-for dev in libmodbus-dev libxlsxwriter-dev zlib1g-dev libsqlite3-dev qt6-base-dev qt6-charts-dev \
+for dev in libmodbus-dev libxlsxwriter-dev zlib1g-dev libsqlite3-dev libpq-dev qt6-base-dev qt6-charts-dev \
   pkg-config cmake g++; do
   grep -qxF -- "$dev" <<<"$suggests" || fail "Suggests does not name $dev: $(field Suggests)"
 done
+# The changelog in the package parses and names the package's version.
+changelog_version="$(dpkg-deb --fsys-tarfile "$deb" | tar -xOf - ./usr/share/doc/vantrel/changelog.gz |
+  zcat | dpkg-parsechangelog -l - -S Version 2>&1)" || true
+[[ "$changelog_version" == "$version" ]] ||
+  fail "the packaged changelog gives version '$changelog_version', the package is '$version'"
+dpkg-deb --fsys-tarfile "$deb" | tar -xOf - ./usr/share/doc/vantrel/copyright |
+  grep -qx "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/" ||
+  fail "the packaged copyright file is not in Debian's machine-readable format"
 ((failures == 0)) || die "$failures problems with the package's files and fields"
 dpkg-deb -f "$deb"
 

@@ -316,6 +316,23 @@ class ViewerTest : public QObject {
     QVERIFY(run.output.contains(QStringLiteral("no data column is named \"Nothing\"")));
   }
 
+  void aScreenshotWithoutItsDescriptionSaysWhyAtOnce() {
+    QTemporaryDir dir;
+    const Run run = RunViewer(
+        {"--resource-path", dir.path(), "--screenshot", dir.filePath(QStringLiteral("none.png"))},
+        Offscreen());
+    QCOMPARE(run.exitCode, 1);
+    // The locator's question is printed and answered No, not left waiting on a box no one
+    // sees; the error that follows ends the run without waiting for rows.
+    QVERIFY2(run.output.contains(QStringLiteral("The file PMP1.vtld was not found.")),
+             qPrintable(run.output));
+    QVERIFY(run.output.contains(QStringLiteral("answered No")));
+    QVERIFY(run.output.contains(
+        QStringLiteral("ModulError 10: No description file from driver found (*.vtl)")));
+    QVERIFY(run.output.contains(QStringLiteral("no rows: reading stopped on error 10")));
+    QVERIFY(!QFile::exists(dir.filePath(QStringLiteral("none.png"))));
+  }
+
   void withoutADisplayTheViewerPointsElsewhere() {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("DISPLAY"));
