@@ -2,8 +2,10 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <cstring>
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -59,11 +61,25 @@ CREATE VIEW record_values AS
   WHERE r.kind = 'record';
 )sql";
 
+// SQLite's text for the last failure, with the system's reason when a file operation failed:
+// "disk I/O error" alone does not tell a full disk or a file size limit from a bad disk.
+// SQLite does not always keep the reason, so errno is cleared before each write (Execute,
+// Statement::Step) and read right after it.
+std::string ErrorText(sqlite3* db) {
+  const int system = sqlite3_system_errno(db) != 0 ? sqlite3_system_errno(db) : errno;
+  std::string text = sqlite3_errmsg(db);
+  const int code = sqlite3_errcode(db);
+  if ((code == SQLITE_IOERR || code == SQLITE_FULL || code == SQLITE_CANTOPEN) && system != 0)
+    text += std::string(" (") + std::strerror(system) + ")";
+  return text;
+}
+
 bool Execute(sqlite3* db, const char* sql, std::string& error) {
   char* message = nullptr;
+  errno = 0;
   if (sqlite3_exec(db, sql, nullptr, nullptr, &message) == SQLITE_OK) return true;
-  error = message != nullptr ? message : sqlite3_errmsg(db);
   sqlite3_free(message);
+  error = ErrorText(db);
   return false;
 }
 
@@ -72,7 +88,7 @@ bool Execute(sqlite3* db, const char* sql, std::string& error) {
 bool PrepareSchema(sqlite3* db, std::string& error) {
   Statement tables(db, "SELECT count(*) FROM sqlite_schema");
   if (sqlite3_step(tables.get()) != SQLITE_ROW) {
-    error = sqlite3_errmsg(db);
+    error = ErrorText(db);
     return false;
   }
   const int64_t count = sqlite3_column_int64(tables.get(), 0);
@@ -263,7 +279,7 @@ struct SqliteHistory::Worker {
       }
       if (ok) ok = Execute(db, "COMMIT", problem);
       if (!ok) {
-        if (problem.empty()) problem = sqlite3_errmsg(db);
+        if (problem.empty()) problem = ErrorText(db);
         std::string ignored;
         Execute(db, "ROLLBACK", ignored);
         Fail("the history could not be written: " + problem);
@@ -283,7 +299,7 @@ std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std:
   auto worker = std::make_unique<Worker>();
   if (sqlite3_open_v2(path.c_str(), &worker->db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                       nullptr) != SQLITE_OK) {
-    error = "cannot open the history " + path + ": " + sqlite3_errmsg(worker->db);
+    error = "cannot open the history " + path + ": " + ErrorText(worker->db);
     return nullptr;
   }
   std::string problem;

@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <string>
 
@@ -43,6 +44,7 @@ class Statement {
 
   // Runs a write and makes the statement ready for the next; true when it completed.
   bool Step() {
+    errno = 0;  // so that a failure's system reason can be told (see ErrorText)
     const int result = sqlite3_step(statement_);
     sqlite3_reset(statement_);
     return result == SQLITE_DONE;

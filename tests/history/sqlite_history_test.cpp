@@ -6,6 +6,12 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -159,6 +165,66 @@ TEST(SqliteHistory, FilesThatAreNotOursAreRefusedAndLeftAlone) {
 
   EXPECT_FALSE(SqliteHistory::Open(dir.File("no-such-folder/trace.db"), error));
   EXPECT_NE(error.find("cannot open the history"), std::string::npos) << error;
+}
+
+// A full disk, played by a file size limit: the rows that cannot be written are counted and
+// reported, none is stored twice or out of order, and once there is room again the history
+// goes on writing.
+TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereIsRoom) {
+  testing::TempDir dir;
+  const std::string path = dir.File("trace.db");
+  std::string error;
+  auto history = SqliteHistory::Open(path, error);
+  ASSERT_TRUE(history) << error;
+  int64_t reportedLost = 0;
+  std::string report;
+  history->OnRowsLost([&](int64_t rows, std::string_view text) {
+    reportedLost += rows;
+    report = text;
+  });
+  history->DescriptionLoaded(Pumps(1));
+  history->Flush();
+
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  rlimit limited = before;
+  limited.rlim_cur = 256 * 1024;
+  // Past the limit a write fails with EFBIG instead of killing the process.
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+  constexpr int kWhileFull = 4000;
+  for (int n = 1; n <= kWhileFull; ++n) {
+    history->RowAdded(Record(n, n % 60, {"Running", std::to_string(n)},
+                             {std::nullopt, static_cast<double>(n)},
+                             {"2", std::to_string(n * 1000)}));
+    if (n % 100 == 0) history->Flush();
+  }
+  history->Flush();
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, oldHandler);
+
+  // SQLite says only "disk I/O error" for a write past the limit; the reason is added.
+  EXPECT_NE(history->LastError().find(std::strerror(EFBIG)), std::string::npos)
+      << history->LastError();
+  EXPECT_NE(report.find("history rows lost"), std::string::npos) << report;
+  for (int n = kWhileFull + 1; n <= kWhileFull + 100; ++n)
+    history->RowAdded(Record(n, n % 60, {"Idle", "0"}, {std::nullopt, 0.0}, {"1", "0"}));
+  history->Flush();
+  history.reset();
+
+  std::vector<int> stored;
+  for (const auto& row : Query(path, "SELECT record_number FROM rows ORDER BY id"))
+    stored.push_back(std::stoi(row.at(0).substr(row.at(0).find(':') + 1)));
+  const auto whileFull = static_cast<int64_t>(
+      std::count_if(stored.begin(), stored.end(), [](int n) { return n <= kWhileFull; }));
+  EXPECT_GT(reportedLost, 0);
+  EXPECT_GT(whileFull, 0);
+  EXPECT_EQ(whileFull + reportedLost, kWhileFull);
+  EXPECT_TRUE(std::is_sorted(stored.begin(), stored.end()));
+  EXPECT_EQ(std::adjacent_find(stored.begin(), stored.end()), stored.end());
+  ASSERT_GE(stored.size(), 100u);
+  EXPECT_EQ(stored.back(), kWhileFull + 100);
+  EXPECT_EQ(stored[stored.size() - 100], kWhileFull + 1);
 }
 
 }  // namespace
