@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "byte_size.h"
 #include "check_command.h"
 #include "controller_command.h"
 #include "crypt_command.h"

@@ -11,7 +11,6 @@
 #include "controller_links.h"
 #include "description/profile_file.h"
 #include "event_log.h"
-#include "run_history.h"
 #include "vantrel/control.h"
 #include "vantrel/hosts/embedded_controller.h"
 #include "vantrel/hosts/examples_directory.h"
@@ -241,13 +240,17 @@ int Run(const RunOptions& o) {
 
   // The record history: the option, or what the properties file says.
   if (o.historyFile) control.SetHistoryFile(*o.historyFile);
-  std::unique_ptr<RunHistory> recordHistory;
+  std::unique_ptr<history::RecordHistory> recordHistory;
   if (!control.HistoryFile().empty()) {
     std::string error;
-    HistorySettings settings = o.history;
+    history::RecordHistorySettings settings = o.history;
     settings.target = control.HistoryFile();
     settings.source = o.controller;
-    recordHistory = RunHistory::Open(settings, control, loop, error);
+    settings.notice = [](std::string_view message) {
+      std::fprintf(stderr, "vantrel run: %.*s\n", static_cast<int>(message.size()), message.data());
+    };
+    settings.post = [&loop](std::function<void()> task) { loop.Post(std::move(task)); };
+    recordHistory = history::RecordHistory::Open(std::move(settings), control, error);
     if (!recordHistory) {
       std::fprintf(stderr, "vantrel run: %s\n", error.c_str());
       return 2;

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "modbus_options.h"
-#include "run_history.h"
+#include "vantrel/history/record_history.h"
 
 namespace vantrel::cli {
 
@@ -30,7 +30,7 @@ struct RunOptions {
   bool exportOnExit = false;
   std::optional<std::string> exportFormat;  // biff2, xlsx or csv
   std::optional<std::string> historyFile;   // a SQLite file or a PostgreSQL URL
-  HistorySettings history;                  // the spool of a PostgreSQL history
+  history::RecordHistorySettings history;   // the spool of a PostgreSQL history
   int64_t records = 0;                      // stop after this many rows; 0 runs on
   double durationSeconds = 0;               // stop after this long; 0 runs on
   // The embedded controller's program file and how often it writes a record (default: the

@@ -72,8 +72,8 @@ SettingsDialog::SettingsDialog(Control& control, QWidget* parent)
   exportFormat_->addItems(
       {tr("Excel 2.x worksheet (.xls)"), tr("Excel workbook (.xlsx)"), tr("CSV, UTF-8 (.csv)")});
   historyFile_->setToolTip(
-      tr("Every row is also kept in this SQLite file (empty: none); "
-         "takes effect when acquisition starts again"));
+      tr("Every row is also kept in this SQLite file, or in the PostgreSQL database of a "
+         "postgresql:// URL (empty: none); takes effect when acquisition starts again"));
   resourcePath_->setToolTip(tr("Directories searched for description files, separated by commas"));
 
   auto* form = new QFormLayout;

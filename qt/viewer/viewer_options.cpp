@@ -47,7 +47,8 @@ ParseOutcome ParseViewerOptions(int argc, char** argv, ViewerOptions& o) {
                  "Holding register of controller register 0 (register n is at offset + 2n)")
       ->check(CLI::Range(0, 65535));
   app.add_option("--history", o.historyFile,
-                 "Keep every row in this SQLite record history (created if missing)");
+                 "Keep every row in a record history: a SQLite file (created if missing) or a "
+                 "PostgreSQL database (postgresql://...)");
   app.add_option("--screenshot", o.screenshot,
                  "Render the window to this PNG file after --after-records rows, then exit");
   app.add_option("--after-records", o.afterRecords, "Rows shown before the screenshot")

@@ -55,7 +55,7 @@ ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
 ViewerWindow::~ViewerWindow() {
   // The link goes first: nothing may answer the control once it is going.
   controller_.link.reset();
-  if (history_) widget_->control().RemoveRowSink(history_.get());
+  if (history_) history_->Close();
 }
 
 bool ViewerWindow::Open(std::string& error) {
@@ -188,14 +188,24 @@ void ViewerWindow::EditSettings() {
 bool ViewerWindow::OpenHistory(std::string& error) {
   Control& control = widget_->control();
   if (history_) {
-    control.RemoveRowSink(history_.get());
+    history_->Close();
     history_.reset();
   }
   if (control.HistoryFile().empty()) return true;
-  history_ = history::SqliteHistory::Open(control.HistoryFile(), error);
-  if (!history_) return false;
-  control.AddRowSink(history_.get());
-  return true;
+  // A file, or a PostgreSQL server by URL; what it says and the rows it loses show in the
+  // status bar (and, for the rows lost, as the control's error).
+  history::RecordHistorySettings settings;
+  settings.target = control.HistoryFile();
+  settings.source = options_.controller;
+  // Posted calls to a window that has gone are dropped with it.
+  settings.post = PostToThreadOf(this);
+  settings.notice = [this, post = settings.post](std::string_view message) {
+    post([this, text = QString::fromStdString(std::string(message))] {
+      statusBar()->showMessage(text);
+    });
+  };
+  history_ = history::RecordHistory::Open(std::move(settings), control, error);
+  return history_ != nullptr;
 }
 
 void ViewerWindow::SaveProperties() {

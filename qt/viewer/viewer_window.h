@@ -10,7 +10,7 @@
 
 #include "controller_choice.h"
 #include "shot_prompts.h"
-#include "vantrel/history/sqlite_history.h"
+#include "vantrel/history/record_history.h"
 #include "vantrel/property_bag.h"
 #include "vantrel/qt/qt_timers.h"
 #include "vantrel/qt/vantrel_widget.h"
@@ -61,7 +61,7 @@ class ViewerWindow final : public QMainWindow {
   FilePropertyBag propertyFile_;
   bool refreshing_ = false;
   XlsxExporter xlsx_;
-  std::unique_ptr<history::SqliteHistory> history_;
+  std::unique_ptr<history::RecordHistory> history_;
 };
 
 }  // namespace vantrel::viewer

@@ -251,6 +251,14 @@ class ViewerTest : public QObject {
     QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
     QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.db"))).exists());
     QVERIFY(rows >= 5);
+
+    // A PostgreSQL URL is a server history, not a file of that name: a server that is not
+    // there is refused before acquisition starts.
+    o.historyFile = "postgresql:///postgres?host=/nonexistent&user=vantrel";
+    ViewerWindow serverless(o);
+    QVERIFY(!serverless.Open(error));
+    QVERIFY2(error.find("cannot reach the history") != std::string::npos, error.c_str());
+    QCOMPARE(serverless.Widget().control().ReadState(), int16_t{0});
   }
 
   void aWindowReadsAControllerOverModbusWithoutWaitingForIt() {
