@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "console_prompts.h"
-#include "vantrel/history/history_reader.h"
+#include "vantrel/history/record_history.h"
 #include "vantrel/recorded_export.h"
 #include "vantrel/xlsx_exporter.h"
 
@@ -44,8 +44,9 @@ std::string PartFile(const std::string& output, size_t index) {
 
 int History(const HistoryOptions& o) {
   std::string error;
-  if (!std::filesystem::is_regular_file(o.file)) return Fail("no history at " + o.file);
-  const auto reader = history::HistoryReader::Open(o.file, error);
+  if (!history::IsServerHistory(o.file) && !std::filesystem::is_regular_file(o.file))
+    return Fail("no history at " + o.file);
+  const auto reader = history::OpenHistoryReader(o.file, error);
   if (!reader) return Fail(error);
   if (o.list) return List(*reader);
 

@@ -107,7 +107,10 @@ int main(int argc, char** argv) {
   vantrel::cli::HistoryOptions history;
   CLI::App* historyCommand = app.add_subcommand(
       "history", "Show or export a time range of one buffer kept by a record history");
-  historyCommand->add_option("FILE", history.file, "The record history (SQLite file)")->required();
+  historyCommand
+      ->add_option("FILE", history.file,
+                   "The record history: a SQLite file or a PostgreSQL URL (postgresql://...)")
+      ->required();
   historyCommand->add_flag("--list", history.list,
                            "List the buffers the history holds: descriptions, rows, first and "
                            "last time");

@@ -71,6 +71,20 @@ std::string IsoTime(const DateTime& t) {
   return text;
 }
 
+DateTime ParseIsoTime(const std::string& text) {
+  DateTime t;
+  std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d.%d", &t.year, &t.month, &t.day, &t.hour, &t.minute,
+              &t.second, &t.millisecond);
+  return t;
+}
+
+HistoryRowKind KindOf(std::string_view text) {
+  if (text == kKinds[1]) return HistoryRowKind::Miss;
+  if (text == kKinds[2]) return HistoryRowKind::Restart;
+  if (text == kKinds[3]) return HistoryRowKind::Status;
+  return HistoryRowKind::Record;
+}
+
 const char* KindText(HistoryRowKind kind) {
   switch (kind) {
     case HistoryRowKind::Miss:

@@ -31,7 +31,12 @@ EncodedRow Encode(const HistoryRow& row);
 const char* KindText(HistoryRowKind kind);
 const char* KnownKindText(std::string_view text);
 
+// The kind of a kind's text ("record" for one that is none).
+HistoryRowKind KindOf(std::string_view text);
+
+// "YYYY-MM-DD hh:mm:ss.mmm", and back.
 std::string IsoTime(const DateTime& t);
+DateTime ParseIsoTime(const std::string& text);
 
 // What a history's queue carries: a description as loaded, or a row.
 using HistoryItem = std::variant<HistoryDescription, EncodedRow>;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 
+#include "encoded_row.h"
 #include "sqlite_statement.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/sqlite_history.h"
@@ -12,27 +13,24 @@
 namespace vantrel::history {
 namespace {
 
-HistoryRowKind KindOf(const std::string& text) {
-  if (text == "miss") return HistoryRowKind::Miss;
-  if (text == "restart") return HistoryRowKind::Restart;
-  if (text == "status") return HistoryRowKind::Status;
-  return HistoryRowKind::Record;
-}
-
-DateTime ParseTime(const std::string& text) {
-  DateTime t;
-  std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d.%d", &t.year, &t.month, &t.day, &t.hour, &t.minute,
-              &t.second, &t.millisecond);
-  return t;
-}
-
-}  // namespace
-
-struct HistoryReader::Database {
+struct Database {
   sqlite3* db = nullptr;
   int64_t version = 0;
   ~Database() { sqlite3_close(db); }
 };
+
+class SqliteHistoryReader final : public HistoryReader {
+ public:
+  explicit SqliteHistoryReader(std::unique_ptr<Database> db) : db_(std::move(db)) {}
+  std::vector<BufferSummary> Buffers(std::string& error) const override;
+  bool ReadRange(const std::string& key, const std::string& from, const std::string& to,
+                 std::vector<RecordedPart>& parts, std::string& error) const override;
+
+ private:
+  std::unique_ptr<Database> db_;
+};
+
+}  // namespace
 
 std::unique_ptr<HistoryReader> HistoryReader::Open(const std::string& path, std::string& error) {
   auto database = std::make_unique<Database>();
@@ -53,13 +51,10 @@ std::unique_ptr<HistoryReader> HistoryReader::Open(const std::string& path, std:
             ", newer than this Vantrel's (" + std::to_string(kHistorySchemaVersion) + ")";
     return nullptr;
   }
-  return std::unique_ptr<HistoryReader>(new HistoryReader(std::move(database)));
+  return std::make_unique<SqliteHistoryReader>(std::move(database));
 }
 
-HistoryReader::HistoryReader(std::unique_ptr<Database> db) : db_(std::move(db)) {}
-HistoryReader::~HistoryReader() = default;
-
-std::vector<BufferSummary> HistoryReader::Buffers(std::string& error) const {
+std::vector<BufferSummary> SqliteHistoryReader::Buffers(std::string& error) const {
   std::vector<BufferSummary> buffers;
   Statement q(db_->db,
               "SELECT d.buffer_key, count(DISTINCT d.id), count(r.id), "
@@ -75,9 +70,9 @@ std::vector<BufferSummary> HistoryReader::Buffers(std::string& error) const {
   return buffers;
 }
 
-bool HistoryReader::ReadRange(const std::string& key, const std::string& from,
-                              const std::string& to, std::vector<RecordedPart>& parts,
-                              std::string& error) const {
+bool SqliteHistoryReader::ReadRange(const std::string& key, const std::string& from,
+                                    const std::string& to, std::vector<RecordedPart>& parts,
+                                    std::string& error) const {
   // Rows written before their cells were kept as shown give the cells as stored.
   Statement rows(
       db_->db, db_->version >= 2
@@ -132,7 +127,7 @@ bool HistoryReader::ReadRange(const std::string& key, const std::string& from,
     }
     parts.back().rows.push_back({KindOf(rows.ColumnText(1)),
                                  static_cast<int32_t>(rows.ColumnInt(2)),
-                                 ParseTime(rows.ColumnText(3)), Utf8ToCp1252(rows.ColumnText(4)),
+                                 ParseIsoTime(rows.ColumnText(3)), Utf8ToCp1252(rows.ColumnText(4)),
                                  Utf8ToCp1252(rows.ColumnText(5))});
   }
   if (rows.Failed()) {

@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "postgres_history_reader.h"
 #include "vantrel/control.h"
 #include "vantrel/history/postgres_history.h"
 #include "vantrel/history/sqlite_history.h"
@@ -52,6 +53,11 @@ class Attached final : public RecordHistory {
 
 bool IsServerHistory(std::string_view target) {
   return PostgresHistory::IsUrl(target);
+}
+
+std::unique_ptr<HistoryReader> OpenHistoryReader(const std::string& target, std::string& error) {
+  return IsServerHistory(target) ? OpenPostgresHistoryReader(target, error)
+                                 : HistoryReader::Open(target, error);
 }
 
 std::unique_ptr<RecordHistory> RecordHistory::Open(RecordHistorySettings settings, Control& control,

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Two `vantrel run` processes, each with its own embedded controller, write into one
 PostgreSQL history at once: each process's rows in the database are exactly the lines it
-printed, in order. The server is a private one (scripts/postgres-test-server.sh). Bad
-history settings get a clear error and exit status 2.
+printed, in order, and `vantrel history` reads them back as printed. The server is a
+private one (scripts/postgres-test-server.sh). Bad history settings get a clear error and
+exit status 2.
 """
 import os
 import shutil
@@ -55,6 +56,25 @@ try:
               f"run {p.pid}: {len(stored)} rows stored, {len(printed)} printed; first "
               f"difference at {next((i for i, (a, b) in enumerate(zip(stored, printed)) if a != b), min(len(stored), len(printed)))}")
     check(psql(plant, "SELECT count(*) FROM vantrel_writers")[0][0] == "2", "two writers")
+
+    # `vantrel history` reads the server back: each run's rows under its own description,
+    # exactly as the run printed them (header and lines), the runs in the order they began.
+    order = [int(row[0]) for row in psql(
+        plant, "SELECT w.pid FROM descriptions d JOIN vantrel_writers w ON w.writer = d.writer "
+               "ORDER BY d.id")]
+    by_pid = {p.pid: out for p, (out, _) in zip(runs, outputs)}
+    r = subprocess.run([vantrel, "history", plant, "--key", "PMP1", "--status-col"],
+                       capture_output=True, text=True, timeout=60)
+    check(r.returncode == 0, f"history from the server: {r.stderr}")
+    expected = [line for pid in order for line in by_pid[pid].splitlines()]
+    check(r.stdout.splitlines() == expected,
+          f"the server's history gives {len(r.stdout.splitlines())} lines, the runs printed "
+          f"{len(expected)}")
+    r = subprocess.run([vantrel, "history", plant, "--list"], capture_output=True, text=True,
+                       timeout=60)
+    listed = [line.split("\t") for line in r.stdout.splitlines()]
+    check(len(listed) == 2 and listed[1][:3] == ["PMP1", "2", str(len(expected) - 2)],
+          f"--list of the server's history: {listed}")
 
     # Bad settings: the message names the problem, nothing runs.
     for args, expected in [

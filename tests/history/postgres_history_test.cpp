@@ -8,9 +8,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
 #include <thread>
+#include <tuple>
 
 #include "support/postgres_server.h"
+#include "support/temp_dir.h"
+#include "vantrel/history/record_history.h"
+#include "vantrel/history/sqlite_history.h"
 
 namespace vantrel::history {
 namespace {
@@ -335,6 +340,110 @@ TEST(PostgresHistory, RefusesWhatItCannotUseAndLeavesForeignDatabasesAlone) {
   EXPECT_NE(refusal("postgresql:///postgres?host=/nonexistent&user=vantrel")
                 .find("cannot reach the history"),
             std::string::npos);
+}
+
+std::string TimeText(const DateTime& t) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
+                t.hour, t.minute, t.second, t.millisecond);
+  return text;
+}
+
+// A range read back as text, part by part: the description, then each row.
+std::string Flatten(const std::vector<RecordedPart>& parts) {
+  std::string text;
+  for (const RecordedPart& part : parts) {
+    const HistoryDescription& d = part.description;
+    text += "part " + d.key + " " + d.title + " v" + std::to_string(d.version) + "\n";
+    for (const HistoryColumn& c : d.columns) {
+      text += "  column " + c.caption + " " + std::to_string(c.registerIndex) + " " + c.fieldType +
+              " " + std::to_string(c.position) + " " + c.displayCode + " " +
+              std::to_string(c.widthTwips) + "\n";
+    }
+    for (const RecordedRow& r : part.rows) {
+      text += "  row " + std::to_string(static_cast<int>(r.kind)) + " " +
+              std::to_string(r.recordNumber) + " " + TimeText(r.pcTime) + " " + r.status + " [" +
+              r.line + "]\n";
+    }
+  }
+  return text;
+}
+
+// A server history and a file history given the same rows read back alike, through the one
+// call that opens either kind.
+TEST(PostgresHistory, ReadsBackAsTheSameRowsAsAFileHistory) {
+  PostgresServer server;
+  VANTREL_NEED_POSTGRES(server);
+  const std::string url = server.NewDatabase();
+  testing::TempDir dir;
+  const std::string file = dir.File("trace.db");
+  {
+    std::string error;
+    auto postgres = OpenHistory(At(url));
+    auto sqlite = SqliteHistory::Open(file, error);
+    ASSERT_TRUE(postgres && sqlite) << error;
+    std::vector<RowSink*> sinks{postgres.get(), sqlite.get()};
+    for (RowSink* sink : sinks) {
+      sink->DescriptionLoaded(Pumps());
+      for (int n = 1; n <= 5; ++n)
+        sink->RowAdded(Record(n, n == 3 ? "Caf\xE9 \"stop\"\ttab" : "Running"));
+      HistoryRow miss;
+      miss.kind = HistoryRowKind::Miss;
+      miss.recordNumber = 5;
+      miss.pcTime = {2026, 11, 23, 9, 0, 5, 999};
+      miss.status = "Miss 4";
+      miss.missed = 4;
+      sink->RowAdded(miss);
+      sink->DescriptionLoaded(Pumps("Pump station, second load"));
+      for (int n = 10; n <= 12; ++n)
+        sink->RowAdded(Record(n));
+    }
+    postgres->Close();
+    sqlite->Flush();
+    ASSERT_EQ(postgres->LastError(), "");
+  }
+  std::string error;
+  const auto fromServer = OpenHistoryReader(url, error);
+  ASSERT_TRUE(fromServer) << error;
+  const auto fromFile = OpenHistoryReader(file, error);
+  ASSERT_TRUE(fromFile) << error;
+
+  const auto serverBuffers = fromServer->Buffers(error);
+  const auto fileBuffers = fromFile->Buffers(error);
+  ASSERT_EQ(serverBuffers.size(), 1u) << error;
+  ASSERT_EQ(fileBuffers.size(), 1u);
+  const BufferSummary& b = serverBuffers[0];
+  EXPECT_EQ(b.key, "PMP1");
+  EXPECT_EQ(b.descriptions, 2);
+  EXPECT_EQ(b.rows, 9);
+  EXPECT_EQ(b.records, 8);
+  EXPECT_EQ(b.missed, 4);
+  EXPECT_EQ(b.first, "2026-11-23 09:00:01.250");
+  EXPECT_EQ(b.last, "2026-11-23 09:00:12.250");
+  const BufferSummary& f = fileBuffers[0];
+  EXPECT_EQ(std::tie(f.key, f.descriptions, f.rows, f.records, f.missed, f.first, f.last),
+            std::tie(b.key, b.descriptions, b.rows, b.records, b.missed, b.first, b.last));
+
+  for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{
+           {"", ""}, {"2026-11-23 09:00:03.000", "2026-11-23 09:00:10.250"}}) {
+    std::vector<RecordedPart> serverParts;
+    std::vector<RecordedPart> fileParts;
+    ASSERT_TRUE(fromServer->ReadRange("PMP1", from, to, serverParts, error)) << error;
+    ASSERT_TRUE(fromFile->ReadRange("PMP1", from, to, fileParts, error)) << error;
+    EXPECT_EQ(Flatten(serverParts), Flatten(fileParts)) << from;
+    ASSERT_EQ(serverParts.size(), 2u);
+    EXPECT_EQ(serverParts[0].rows.front().recordNumber, from.empty() ? 1 : 3);
+    EXPECT_EQ(serverParts[1].rows.back().recordNumber, from.empty() ? 12 : 10);
+  }
+
+  // A database that is not a history is refused, and left as it was.
+  const std::string other = server.NewDatabase();
+  EXPECT_FALSE(OpenHistoryReader(other, error));
+  EXPECT_NE(error.find("is not a Vantrel history"), std::string::npos) << error;
+  EXPECT_EQ(PostgresServer::Execute(other,
+                                    "SELECT count(*) FROM pg_tables WHERE schemaname = "
+                                    "'public'"),
+            "0");
 }
 
 }  // namespace

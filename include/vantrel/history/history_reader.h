@@ -32,24 +32,18 @@ struct RecordedPart {
 
 class HistoryReader {
  public:
-  // Opens the history at `path` for reading only; nullptr with `error` set when the file does
-  // not exist, is not a Vantrel history, or is newer than this Vantrel.
+  // Opens the SQLite history at `path` for reading only; nullptr with `error` set when the
+  // file does not exist, is not a Vantrel history, or is newer than this Vantrel. (A host
+  // that links Vantrel::postgres opens either kind with OpenHistoryReader.)
   static std::unique_ptr<HistoryReader> Open(const std::string& path, std::string& error);
-  ~HistoryReader();
-  HistoryReader(const HistoryReader&) = delete;
-  HistoryReader& operator=(const HistoryReader&) = delete;
+  virtual ~HistoryReader() = default;
 
-  std::vector<BufferSummary> Buffers(std::string& error) const;
+  virtual std::vector<BufferSummary> Buffers(std::string& error) const = 0;
 
   // The rows of buffer `key` (UTF-8) whose PC time lies in [from, to] (either may be empty: no
   // bound), one part per description in force. False with `error` set on a read failure.
-  bool ReadRange(const std::string& key, const std::string& from, const std::string& to,
-                 std::vector<RecordedPart>& parts, std::string& error) const;
-
- private:
-  struct Database;
-  explicit HistoryReader(std::unique_ptr<Database> db);
-  std::unique_ptr<Database> db_;
+  virtual bool ReadRange(const std::string& key, const std::string& from, const std::string& to,
+                         std::vector<RecordedPart>& parts, std::string& error) const = 0;
 };
 
 // A time as the command line takes it ("YYYY-MM-DD", "YYYY-MM-DD hh:mm", "YYYY-MM-DD

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "vantrel/history/history_reader.h"
+
 namespace vantrel {
 class Control;
 }
@@ -40,5 +42,9 @@ class RecordHistory {
 
 // Whether a history setting names a PostgreSQL server rather than a file.
 bool IsServerHistory(std::string_view target);
+
+// Opens a history for reading: the SQLite file, or the PostgreSQL database, that `target`
+// names; nullptr with `error` set when it cannot be read as a Vantrel history.
+std::unique_ptr<HistoryReader> OpenHistoryReader(const std::string& target, std::string& error);
 
 }  // namespace vantrel::history
