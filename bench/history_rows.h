@@ -17,7 +17,8 @@ std::vector<HistoryRow> Rows() {
   for (int r = 0; r < kRows; ++r) {
     HistoryRow& row = rows[static_cast<size_t>(r)];
     row.recordNumber = r + 1;
-    row.pcTime = {2026, 11, 23, 9, r / 60 % 60, r % 60, r % 1000};
+    // A row every millisecond: PC times rise as they do in a trace.
+    row.pcTime = {2026, 11, 23, 9 + r / 3600000, r / 60000 % 60, r / 1000 % 60, r % 1000};
     row.status = "Run";
     for (int c = 0; c < kColumns; ++c) {
       if (c % 3 == 0) {
