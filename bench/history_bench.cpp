@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,19 +29,28 @@ void Remove(const std::string& path) {
     std::filesystem::remove(path + suffix);
 }
 
+// A history in a fresh file at `path` with the benchmark's description loaded; nullptr
+// (and the benchmark skipped) when it cannot be opened.
+std::unique_ptr<history::SqliteHistory> FreshHistory(const std::string& path,
+                                                     benchmark::State& state) {
+  Remove(path);
+  std::string error;
+  auto history = history::SqliteHistory::Open(path, error);
+  if (!history) {
+    state.SkipWithError(error.c_str());
+    return nullptr;
+  }
+  history->DescriptionLoaded(Description());
+  return history;
+}
+
 void BM_HistorySink(benchmark::State& state) {
   const auto& rows = TheRows();
   const std::string path = TempPath("vantrel-bench-history.db");
   for (auto _ : state) {
     state.PauseTiming();
-    Remove(path);
-    std::string error;
-    auto history = history::SqliteHistory::Open(path, error);
-    if (!history) {
-      state.SkipWithError(error.c_str());
-      return;
-    }
-    history->DescriptionLoaded(Description());
+    auto history = FreshHistory(path, state);
+    if (!history) return;
     state.ResumeTiming();
     for (const HistoryRow& row : rows)
       history->RowAdded(row);
@@ -123,16 +133,10 @@ void BM_PlainInsertsOfTheHistorysRows(benchmark::State& state) {
   }
   for (auto _ : state) {
     state.PauseTiming();
-    Remove(path);
     {
       // The history makes the schema and records the description; it writes nothing more.
-      std::string error;
-      auto history = history::SqliteHistory::Open(path, error);
-      if (!history) {
-        state.SkipWithError(error.c_str());
-        return;
-      }
-      history->DescriptionLoaded(Description());
+      auto history = FreshHistory(path, state);
+      if (!history) return;
       history->Flush();
     }
     sqlite3* db = nullptr;

@@ -22,7 +22,7 @@ int32_t Packed(const char* text) {
 }
 
 // Control characters in messages are shown as escapes so that each event stays one line.
-std::string Printable(std::string_view cp1252) {
+std::string Cp1252ToUtf8Line(std::string_view cp1252) {
   std::string out;
   for (char c : vantrel::Cp1252ToUtf8(cp1252)) {
     if (c == '\r')
@@ -54,11 +54,11 @@ class DemoHost : public vantrel::ControlEvents {
     std::fflush(stdout);
   }
   void ModulError(int16_t type, std::string_view message) override {
-    std::printf("ModulError %d  %s\n", type, Printable(message).c_str());
+    std::printf("ModulError %d  %s\n", type, Cp1252ToUtf8Line(message).c_str());
     std::fflush(stdout);
   }
   void OutputLine(std::string_view line) override {
-    std::printf("%s\n", Printable(line).c_str());
+    std::printf("%s\n", Cp1252ToUtf8Line(line).c_str());
     std::fflush(stdout);
   }
 };

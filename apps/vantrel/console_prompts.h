@@ -21,7 +21,4 @@ class ConsolePrompts : public Prompts {
                           std::string_view command, int durationMs) override;
 };
 
-// A text of the control (Windows-1252, CR line breaks) as one line of UTF-8.
-std::string Printable(std::string_view text);
-
 }  // namespace vantrel::cli

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "console_prompts.h"
+#include "vantrel/encoding.h"
 #include "vantrel/history/record_history.h"
 #include "vantrel/recorded_export.h"
 #include "vantrel/xlsx_exporter.h"
@@ -22,7 +23,7 @@ int List(const history::HistoryReader& reader) {
   if (!error.empty()) return Fail(error);
   std::printf("Buffer\tDescriptions\tRows\tRecords\tMissed\tFirst\tLast\n");
   for (const history::BufferSummary& b : buffers) {
-    std::printf("%s\t%lld\t%lld\t%lld\t%lld\t%s\t%s\n", Printable(b.key).c_str(),
+    std::printf("%s\t%lld\t%lld\t%lld\t%lld\t%s\t%s\n", Cp1252ToUtf8Line(b.key).c_str(),
                 static_cast<long long>(b.descriptions), static_cast<long long>(b.rows),
                 static_cast<long long>(b.records), static_cast<long long>(b.missed),
                 b.first.c_str(), b.last.c_str());
@@ -59,7 +60,7 @@ int History(const HistoryOptions& o) {
                                   : "the history holds several buffers: choose one with --key "
                                     "(see --list)");
     }
-    key = Printable(buffers.front().key);
+    key = Cp1252ToUtf8Line(buffers.front().key);
   }
   std::string from;
   std::string to;
@@ -81,9 +82,9 @@ int History(const HistoryOptions& o) {
   const RecordedStamps stamps{o.dateColumn, o.timeColumn, o.statusColumn};
   if (o.format == "text") {
     for (const history::RecordedPart& part : parts) {
-      std::printf("%s\n", Printable(RecordedHeader(part.description, stamps)).c_str());
+      std::printf("%s\n", Cp1252ToUtf8Line(RecordedHeader(part.description, stamps)).c_str());
       for (const RecordedRow& row : part.rows)
-        std::printf("%s\n", Printable(RecordedLine(row, stamps)).c_str());
+        std::printf("%s\n", Cp1252ToUtf8Line(RecordedLine(row, stamps)).c_str());
     }
     return std::fflush(stdout) == 0 ? 0 : 1;
   }
@@ -99,7 +100,7 @@ int History(const HistoryOptions& o) {
     how.file = PartFile(o.output, i);
     std::string message;
     const bool written = ExportRecordedRows(parts[i].description, parts[i].rows, how, message);
-    std::fprintf(stderr, "%s\n", Printable(message).c_str());
+    std::fprintf(stderr, "%s\n", Cp1252ToUtf8Line(message).c_str());
     if (!written) status = 1;
   }
   return status;

@@ -12,6 +12,7 @@
 #include "description/profile_file.h"
 #include "event_log.h"
 #include "vantrel/control.h"
+#include "vantrel/encoding.h"
 #include "vantrel/hosts/embedded_controller.h"
 #include "vantrel/hosts/examples_directory.h"
 #include "vantrel/hosts/program_file.h"
@@ -53,7 +54,7 @@ class RunHost : public ControlEvents {
   void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
     log_.Write("ModulError", "\"ErrType\":" + std::to_string(ErrType) +
                                  ",\"ErrMessage\":" + JsonString(ErrMessage));
-    std::fprintf(stderr, "ModulError %d: %s\n", ErrType, Printable(ErrMessage).c_str());
+    std::fprintf(stderr, "ModulError %d: %s\n", ErrType, Cp1252ToUtf8Line(ErrMessage).c_str());
     // A failed description or record load leaves nothing more to read; a history's loss
     // is told, and reading goes on.
     if (ErrType != kHistoryErrType && control != nullptr &&
@@ -67,7 +68,7 @@ class RunHost : public ControlEvents {
     // One poll may bring more rows than were asked for; the rest stay in the table only.
     if (rowLimit_ > 0 && rows_ >= rowLimit_) return;
     if (rows_ == 0 && printHeader) PrintHeader();
-    std::printf("%s\n", Printable(DataLine).c_str());
+    std::printf("%s\n", Cp1252ToUtf8Line(DataLine).c_str());
     std::fflush(stdout);
     if (rowLimit_ > 0 && ++rows_ >= rowLimit_) loop_.Quit();
     if (rowLimit_ == 0) ++rows_;
@@ -101,7 +102,7 @@ class RunHost : public ControlEvents {
     if (control->PCDStatusCol()) add(3);
     for (int column = 4; column < table.ColumnCount() - 2; ++column)
       add(column);
-    std::printf("%s\n", Printable(line).c_str());
+    std::printf("%s\n", Cp1252ToUtf8Line(line).c_str());
   }
 
   PollEventLoop& loop_;
@@ -147,7 +148,7 @@ void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) 
                      "vantrel run: the simulation reads no buffer header, so its buffer key is "
                      "empty and %s (HeaderKey=%s) will be refused; simulate a copy with "
                      "HeaderKey= (empty)\n",
-                     o.userFile->c_str(), Printable(key).c_str());
+                     o.userFile->c_str(), Cp1252ToUtf8Line(key).c_str());
       }
     }
     control.SetSimulation(true);

@@ -32,8 +32,9 @@ def normalise(text):
     return lines
 
 
-def sessions(markdown):
-    """(line number, command, expected output lines) for every command of every console block."""
+def sessions(markdown, normalise=normalise):
+    """(line number, command, expected output lines) for every command of every console block,
+    the output made comparable by `normalise`."""
     commands = []
     inside = False
     for number, line in enumerate(markdown.split("\n"), start=1):

@@ -29,6 +29,8 @@ import subprocess
 import sys
 import tempfile
 
+from check_reference import sessions as reference_sessions
+
 README = "examples/walkthrough/README.md"
 STAMP = re.compile(r"\b\d\d/\d\d/\d\d \d\d:\d\d:\d\d\b")
 ASSIGNMENT = re.compile(r"^[A-Z_][A-Z0-9_]*=")
@@ -44,20 +46,7 @@ def normalise(text):
 
 
 def sessions(markdown):
-    """(line number, command, expected output lines) for every command of every console block."""
-    commands = []
-    inside = False
-    for number, line in enumerate(markdown.split("\n"), start=1):
-        if line.startswith("```"):
-            inside = line.strip() == "```console"
-            continue
-        if not inside:
-            continue
-        if line.startswith("$ "):
-            commands.append([number, line[2:], []])
-        elif commands:
-            commands[-1][2].append(line)
-    return [(n, c, normalise("\n".join(out))) for n, c, out in commands]
+    return reference_sessions(markdown, normalise)
 
 
 def split_command(command):

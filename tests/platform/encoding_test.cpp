@@ -12,6 +12,11 @@ TEST(Encoding, Cp1252LettersBecomeUtf8) {
   EXPECT_EQ(Cp1252ToUtf8("\x7F"), "\x7F");
 }
 
+TEST(Encoding, AConsoleLineKeepsLineBreaksVisible) {
+  EXPECT_EQ(Cp1252ToUtf8Line("Invalid buffer\rBad key\n\xE9t\xE9"),
+            "Invalid buffer\\rBad key\\n\xC3\xA9t\xC3\xA9");
+}
+
 TEST(Encoding, EveryByteRoundTrips) {
   std::string all;
   for (int b = 1; b < 256; ++b)
