@@ -8,6 +8,7 @@
 namespace vantrel {
 
 std::string Cp1252ToUtf8(std::string_view cp1252);
+void AppendCp1252AsUtf8(std::string& out, std::string_view cp1252);
 // Characters without a Windows-1252 byte become '?'.
 std::string Utf8ToCp1252(std::string_view utf8);
 // A text of the control (Windows-1252, CR and LF line breaks) as one line of UTF-8, the

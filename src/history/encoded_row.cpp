@@ -9,9 +9,10 @@ namespace vantrel::history {
 namespace {
 
 // JSON texts of the row's cells, built without a library: strings escaped, numbers bare.
-void AppendJsonString(std::string& out, std::string_view utf8) {
+// The cells are Windows-1252 and become UTF-8 on the way; only ASCII bytes need escaping.
+void AppendJsonString(std::string& out, std::string_view cp1252) {
   out += '"';
-  for (const char ch : utf8) {
+  for (const char ch : cp1252) {
     const auto c = static_cast<unsigned char>(ch);
     if (c == '"' || c == '\\') {
       (out += '\\') += ch;
@@ -19,8 +20,10 @@ void AppendJsonString(std::string& out, std::string_view utf8) {
       char escaped[8];
       std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
       out += escaped;
-    } else {
+    } else if (c < 0x80) {
       out += ch;
+    } else {
+      AppendCp1252AsUtf8(out, std::string_view(&ch, 1));
     }
   }
   out += '"';
@@ -31,21 +34,21 @@ void AppendJsonNumber(std::string& out, double value) {
   out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-std::string DisplayJson(const HistoryRow& row) {
-  std::string json = "[";
+void AppendDisplayJson(std::string& json, const HistoryRow& row) {
+  json += '[';
   for (size_t i = 0; i < row.display.size(); ++i) {
     if (i > 0) json += ',';
     if (i < row.number.size() && row.number[i]) {
       AppendJsonNumber(json, *row.number[i]);
     } else {
-      AppendJsonString(json, Cp1252ToUtf8(row.display[i]));
+      AppendJsonString(json, row.display[i]);
     }
   }
-  return json + "]";
+  json += ']';
 }
 
-std::string RawJson(const HistoryRow& row) {
-  std::string json = "[";
+void AppendRawJson(std::string& json, const HistoryRow& row) {
+  json += '[';
   for (size_t i = 0; i < row.raw.size(); ++i) {
     if (i > 0) json += ',';
     const std::string& text = row.raw[i];
@@ -54,10 +57,47 @@ std::string RawJson(const HistoryRow& row) {
     if (!text.empty() && ec == std::errc() && end == text.data() + text.size()) {
       json += text;
     } else {
-      AppendJsonString(json, Cp1252ToUtf8(text));
+      AppendJsonString(json, text);
     }
   }
-  return json + "]";
+  json += ']';
+}
+
+// Digits of `value` (0 <= value < 10^width), zero-padded to `width`.
+void AppendDigits(std::string& out, int value, int width) {
+  char digits[4];
+  for (int i = width - 1; i >= 0; --i) {
+    digits[i] = static_cast<char>('0' + value % 10);
+    value /= 10;
+  }
+  out.append(digits, static_cast<size_t>(width));
+}
+
+void AppendIsoTime(std::string& out, const DateTime& t) {
+  const auto within = [](int value, int limit) { return value >= 0 && value < limit; };
+  if (!within(t.year, 10000) || !within(t.month, 100) || !within(t.day, 100) ||
+      !within(t.hour, 100) || !within(t.minute, 100) || !within(t.second, 100) ||
+      !within(t.millisecond, 1000)) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
+                  t.hour, t.minute, t.second, t.millisecond);
+    out += text;
+    return;
+  }
+  // Once per row on the control's thread: without the formatting machinery of printf.
+  AppendDigits(out, t.year, 4);
+  out += '-';
+  AppendDigits(out, t.month, 2);
+  out += '-';
+  AppendDigits(out, t.day, 2);
+  out += ' ';
+  AppendDigits(out, t.hour, 2);
+  out += ':';
+  AppendDigits(out, t.minute, 2);
+  out += ':';
+  AppendDigits(out, t.second, 2);
+  out += '.';
+  AppendDigits(out, t.millisecond, 3);
 }
 
 constexpr const char* kKinds[] = {"record", "miss", "restart", "status"};
@@ -65,9 +105,8 @@ constexpr const char* kKinds[] = {"record", "miss", "restart", "status"};
 }  // namespace
 
 std::string IsoTime(const DateTime& t) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
-                t.hour, t.minute, t.second, t.millisecond);
+  std::string text;
+  AppendIsoTime(text, t);
   return text;
 }
 
@@ -105,16 +144,34 @@ const char* KnownKindText(std::string_view text) {
   return nullptr;
 }
 
+void EncodedRow::SetTexts(std::string_view pcTime, std::string_view status,
+                          std::string_view display, std::string_view raw, std::string_view shown) {
+  texts_.clear();
+  size_t i = 0;
+  for (const std::string_view text : {pcTime, status, display, raw, shown}) {
+    texts_ += text;
+    ends_[i++] = texts_.size();
+  }
+}
+
 EncodedRow Encode(const HistoryRow& row) {
   EncodedRow e;
   e.kind = KindText(row.kind);
   e.recordNumber = row.recordNumber;
-  e.pcTime = IsoTime(row.pcTime);
-  e.status = Cp1252ToUtf8(row.status);
   if (row.kind == HistoryRowKind::Miss) e.missed = row.missed;
-  e.display = DisplayJson(row);
-  e.raw = RawJson(row);
-  e.shown = Cp1252ToUtf8(row.line);
+  // Room for the usual row at once: the cells appear twice as JSON and once as shown.
+  std::string& t = e.texts_;
+  t.reserve(32 + row.status.size() + 3 * row.line.size() + 8 * row.raw.size());
+  AppendIsoTime(t, row.pcTime);
+  e.ends_[0] = t.size();
+  AppendCp1252AsUtf8(t, row.status);
+  e.ends_[1] = t.size();
+  AppendDisplayJson(t, row);
+  e.ends_[2] = t.size();
+  AppendRawJson(t, row);
+  e.ends_[3] = t.size();
+  AppendCp1252AsUtf8(t, row.line);
+  e.ends_[4] = t.size();
   return e;
 }
 

@@ -1,28 +1,51 @@
 #pragma once
-// A row as a history stores it, encoded on the control's thread where it is handed over so
-// that a queue holds a few strings per row rather than three per cell: texts in UTF-8, the
-// PC time as an ISO text, the cells as JSON arrays. Shared by every history backend.
+// A row as a history stores it, encoded on the control's thread where it is handed over:
+// texts in UTF-8, the PC time as an ISO text, the cells as JSON arrays. The texts share one
+// buffer, so that queueing a row costs one allocation and the writer's thread, which frees
+// it, touches one block rather than a handful. Shared by every history backend.
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "vantrel/row_sink.h"
 
 namespace vantrel::history {
 
-struct EncodedRow {
+class EncodedRow {
+ public:
   const char* kind = "record";  // "record", "miss", "restart" or "status"
   int64_t recordNumber = 0;
-  std::string pcTime;  // YYYY-MM-DD hh:mm:ss.mmm
-  std::string status;
   std::optional<int64_t> missed;
-  std::string display;  // JSON array: a number where the shown text reads as one
-  std::string raw;      // JSON array: integers bare, other values as strings
-  std::string shown;    // the row's cells as the table showed them, tab-separated
+
+  std::string_view PcTime() const { return Field(0); }  // YYYY-MM-DD hh:mm:ss.mmm
+  std::string_view Status() const { return Field(1); }
+  std::string_view Display() const {
+    return Field(2);
+  }                                                  // JSON: a number where the shown
+                                                     // text reads as one
+  std::string_view Raw() const { return Field(3); }  // JSON: integers bare, else strings
+  std::string_view Shown() const {
+    return Field(4);
+  }  // the cells as the table showed
+     // them, tab-separated
+
+  void SetTexts(std::string_view pcTime, std::string_view status, std::string_view display,
+                std::string_view raw, std::string_view shown);
 
   bool operator==(const EncodedRow&) const = default;
+
+ private:
+  friend EncodedRow Encode(const HistoryRow& row);
+  std::string_view Field(size_t i) const {
+    const size_t begin = i == 0 ? 0 : ends_[i - 1];
+    return std::string_view(texts_).substr(begin, ends_[i] - begin);
+  }
+  std::string texts_;
+  std::array<size_t, 5> ends_{};
 };
 
 EncodedRow Encode(const HistoryRow& row);

@@ -83,6 +83,14 @@ void AppendCopyText(std::string& out, std::string_view text) {
   }
 }
 
+void AppendCopyJson(std::string& out, std::string_view json) {
+  if (json.find("\\u0000") == std::string_view::npos) {
+    AppendCopyText(out, json);
+  } else {
+    AppendCopyText(out, JsonWithoutNul(json));
+  }
+}
+
 std::string JsonWithoutNul(std::string_view json) {
   std::string out;
   out.reserve(json.size());

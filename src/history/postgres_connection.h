@@ -43,5 +43,7 @@ std::string ErrorText(PGconn* c, const PGresult* r);
 void AppendCopyText(std::string& out, std::string_view text);
 // A JSON text with every \u0000 escape turned into \ufffd, which jsonb accepts.
 std::string JsonWithoutNul(std::string_view json);
+// AppendCopyText of JsonWithoutNul(json), without the copy when there is no \u0000 in it.
+void AppendCopyJson(std::string& out, std::string_view json);
 
 }  // namespace vantrel::history::pg

@@ -268,16 +268,16 @@ struct PostgresHistory::Worker {
       data += description;
       ((data += '\t') += r.kind) += '\t';
       (data += std::to_string(r.recordNumber)) += '\t';
-      (data += r.pcTime) += '\t';
-      pg::AppendCopyText(data, r.status);
+      (data += r.PcTime()) += '\t';
+      pg::AppendCopyText(data, r.Status());
       data += '\t';
       data += r.missed ? std::to_string(*r.missed) : "\\N";
       data += '\t';
-      pg::AppendCopyText(data, pg::JsonWithoutNul(r.display));
+      pg::AppendCopyJson(data, r.Display());
       data += '\t';
-      pg::AppendCopyText(data, pg::JsonWithoutNul(r.raw));
+      pg::AppendCopyJson(data, r.Raw());
       data += '\t';
-      pg::AppendCopyText(data, r.shown);
+      pg::AppendCopyText(data, r.Shown());
       data += '\n';
     }
     if (PQputCopyData(c, data.data(), static_cast<int>(data.size())) != 1 ||

@@ -104,13 +104,13 @@ std::string SerializeItem(const HistoryItem& item) {
     w.Byte('R');
     w.Text(r.kind);
     w.Int(r.recordNumber);
-    w.Text(r.pcTime);
-    w.Text(r.status);
+    w.Text(r.PcTime());
+    w.Text(r.Status());
     w.Byte(r.missed ? 1 : 0);
     w.Int(r.missed.value_or(0));
-    w.Text(r.display);
-    w.Text(r.raw);
-    w.Text(r.shown);
+    w.Text(r.Display());
+    w.Text(r.Raw());
+    w.Text(r.Shown());
   }
   return w.Take();
 }
@@ -139,13 +139,18 @@ bool DeserializeItem(std::string_view bytes, HistoryItem& item) {
   if (tag != 'R') return false;
   EncodedRow row;
   std::string kind;
+  std::string pcTime;
+  std::string status;
+  std::string display;
+  std::string raw;
+  std::string shown;
   char hasMissed = 0;
   int64_t missed = 0;
-  if (!r.Text(kind) || !r.Int(row.recordNumber) || !r.Text(row.pcTime) || !r.Text(row.status) ||
-      !r.Byte(hasMissed) || !r.Int(missed) || !r.Text(row.display) || !r.Text(row.raw) ||
-      !r.Text(row.shown)) {
+  if (!r.Text(kind) || !r.Int(row.recordNumber) || !r.Text(pcTime) || !r.Text(status) ||
+      !r.Byte(hasMissed) || !r.Int(missed) || !r.Text(display) || !r.Text(raw) || !r.Text(shown)) {
     return false;
   }
+  row.SetTexts(pcTime, status, display, raw, shown);
   row.kind = KnownKindText(kind);
   if (row.kind == nullptr) return false;
   if (hasMissed != 0) row.missed = missed;

@@ -198,16 +198,16 @@ struct SqliteHistory::Worker {
       }
       sqlite3_bind_text(statement.get(), p + 1, r.kind, -1, SQLITE_STATIC);
       statement.Int(p + 2, r.recordNumber);
-      statement.StaticText(p + 3, r.pcTime);
-      statement.StaticText(p + 4, r.status);
+      statement.StaticText(p + 3, r.PcTime());
+      statement.StaticText(p + 4, r.Status());
       if (r.missed) {
         statement.Int(p + 5, *r.missed);
       } else {
         statement.Null(p + 5);
       }
-      statement.StaticText(p + 6, r.display);
-      statement.StaticText(p + 7, r.raw);
-      statement.StaticText(p + 8, r.shown);
+      statement.StaticText(p + 6, r.Display());
+      statement.StaticText(p + 7, r.Raw());
+      statement.StaticText(p + 8, r.Shown());
       p += kRowParameters;
     }
     return statement.Step();

@@ -23,12 +23,12 @@ class Statement {
   sqlite3_stmt* get() const { return statement_; }
   std::string Error() const { return sqlite3_errmsg(db_); }
 
-  void Text(int index, const std::string& text) {
+  void Text(int index, std::string_view text) {
     sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()),
                       SQLITE_TRANSIENT);
   }
   // The text must stay unchanged until the statement has been stepped.
-  void StaticText(int index, const std::string& text) {
+  void StaticText(int index, std::string_view text) {
     sqlite3_bind_text(statement_, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
   }
   // An empty text binds NULL.

@@ -44,9 +44,13 @@ char ByteOf(char32_t cp) {
 std::string Cp1252ToUtf8(std::string_view cp1252) {
   std::string out;
   out.reserve(cp1252.size());
+  AppendCp1252AsUtf8(out, cp1252);
+  return out;
+}
+
+void AppendCp1252AsUtf8(std::string& out, std::string_view cp1252) {
   for (char c : cp1252)
     AppendUtf8(out, CodePointOf(static_cast<unsigned char>(c)));
-  return out;
 }
 
 std::string Cp1252ToUtf8Line(std::string_view cp1252) {

@@ -14,12 +14,9 @@ EncodedRow Row(int64_t number) {
   EncodedRow row;
   row.kind = KindText(number % 2 == 0 ? HistoryRowKind::Record : HistoryRowKind::Miss);
   row.recordNumber = number;
-  row.pcTime = "2026-11-23 09:00:00.250";
-  row.status = "Miss 3";
   if (number % 2 != 0) row.missed = number * 1000;
-  row.display = "[\"a\\tb\", 1.5]";
-  row.raw = "[3, 15]";
-  row.shown = std::string("a\tb\0c", 5);
+  row.SetTexts("2026-11-23 09:00:00.250", "Miss 3", "[\"a\\tb\", 1.5]", "[3, 15]",
+               std::string_view("a\tb\0c", 5));
   return row;
 }
 
