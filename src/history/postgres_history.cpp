@@ -2,16 +2,16 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <charconv>
-#include <condition_variable>
 #include <deque>
 #include <filesystem>
-#include <mutex>
 #include <optional>
 #include <random>
 #include <thread>
 
 #include "encoded_row.h"
+#include "history_queue.h"
 #include "postgres_connection.h"
 #include "spool.h"
 #include "vantrel/encoding.h"
@@ -151,13 +151,6 @@ std::string HostName() {
   return ::gethostname(name, sizeof name - 1) == 0 ? name : "";
 }
 
-size_t RowsIn(const std::vector<HistoryItem>& items) {
-  size_t rows = 0;
-  for (const HistoryItem& item : items)
-    rows += std::holds_alternative<EncodedRow>(item) ? 1U : 0U;
-  return rows;
-}
-
 }  // namespace
 
 struct PostgresHistory::Worker {
@@ -169,16 +162,8 @@ struct PostgresHistory::Worker {
   std::unique_ptr<Spool> spool;  // worker only
 
   std::thread thread;
-  mutable std::mutex mutex;
-  std::condition_variable wake;
-  std::condition_variable written;
-  std::deque<HistoryItem> queue;  // guarded by mutex
-  uint64_t queued = 0;            // guarded: items ever queued
-  uint64_t done = 0;              // guarded: items ever written or given up
-  bool stopping = false;          // guarded
-  std::string error;              // guarded: the first failure
-  int64_t lost = 0;               // guarded: rows lost
-  size_t spooled = 0;             // guarded: items in the spool
+  HistoryQueue queue;
+  std::atomic<size_t> spooled{0};  // items in the spool, for the host to see
 
   // Worker only.
   int64_t lastBatch = 0;  // the number of the last batch committed
@@ -189,40 +174,14 @@ struct PostgresHistory::Worker {
   SteadyClock::time_point nextConnect;
   std::chrono::milliseconds backoff{250};
 
-  void Push(HistoryItem item) {
-    bool wasEmpty = false;
-    {
-      std::lock_guard lock(mutex);
-      wasEmpty = queue.empty();
-      queue.push_back(std::move(item));
-      ++queued;
-    }
-    if (wasEmpty) wake.notify_one();
-  }
-
   void Done(size_t items) {
-    {
-      std::lock_guard lock(mutex);
-      done += items;
-      spooled = spool->Items();
-    }
-    written.notify_all();
+    spooled = spool->Items();
+    queue.Done(items);
   }
 
   void Lose(size_t rows, size_t items, const std::string& why) {
-    int64_t total = 0;
-    {
-      std::lock_guard lock(mutex);
-      lost += static_cast<int64_t>(rows);
-      total = lost;
-      if (error.empty()) error = why;
-    }
-    Done(items);
-    if (rows > 0 && options.rowsLost) {
-      options.rowsLost(static_cast<int64_t>(rows), std::to_string(rows) +
-                                                       " history rows lost: " + why + " (" +
-                                                       std::to_string(total) + " lost in all)");
-    }
+    spooled = spool->Items();
+    queue.Lose(rows, items, why);
   }
 
   void Notice(const std::string& text) {
@@ -436,10 +395,7 @@ struct PostgresHistory::Worker {
         ++itemsLost;
       }
     }
-    {
-      std::lock_guard lock(mutex);
-      spooled = spool->Items();
-    }
+    spooled = spool->Items();
     if (itemsLost > 0) {
       Lose(rowsLost, itemsLost,
            "the spool (" + std::to_string(options.spoolLimitBytes) +
@@ -449,9 +405,7 @@ struct PostgresHistory::Worker {
 
   void GiveUp() {
     const size_t items = inflight.size() + spool->Items() + pending.size();
-    size_t rows = RowsIn(inflight);
-    for (const HistoryItem& item : pending)
-      rows += std::holds_alternative<EncodedRow>(item) ? 1U : 0U;
+    size_t rows = RowsIn(inflight) + RowsIn(pending);
     // The spool's items are read back only to be counted.
     while (!spool->Empty()) {
       const std::vector<HistoryItem> front = spool->Front(kMaxBatchItems);
@@ -466,15 +420,8 @@ struct PostgresHistory::Worker {
   void Run() {
     std::optional<SteadyClock::time_point> closeBy;
     while (true) {
-      {
-        std::unique_lock lock(mutex);
-        wake.wait_for(lock, std::chrono::milliseconds(100),
-                      [this] { return stopping || !queue.empty(); });
-        for (HistoryItem& item : queue)
-          pending.push_back(std::move(item));
-        queue.clear();
-        if (stopping && !closeBy) closeBy = SteadyClock::now() + options.closeWait;
-      }
+      if (queue.Take(pending, std::chrono::milliseconds(100)) && !closeBy)
+        closeBy = SteadyClock::now() + options.closeWait;
       if (!connection && SteadyClock::now() >= nextConnect) TryConnect();
       if (connection) WriteWhatWaits();
       if (!connection) SpoolPending();
@@ -536,6 +483,7 @@ std::unique_ptr<PostgresHistory> PostgresHistory::Open(PostgresHistoryOptions op
                                          : std::filesystem::temp_directory_path(ignored).string();
   worker->spool = Spool::Open(spoolDirectory, options.spoolLimitBytes, error);
   if (!worker->spool) return nullptr;
+  worker->queue.OnRowsLost(options.rowsLost);
   worker->options = std::move(options);
 
   std::unique_ptr<PostgresHistory> history(new PostgresHistory(std::move(worker)));
@@ -547,11 +495,7 @@ std::unique_ptr<PostgresHistory> PostgresHistory::Open(PostgresHistoryOptions op
 PostgresHistory::PostgresHistory(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
 
 void PostgresHistory::Close() {
-  {
-    std::lock_guard lock(worker_->mutex);
-    worker_->stopping = true;
-  }
-  worker_->wake.notify_all();
+  worker_->queue.Stop();
   if (worker_->thread.joinable()) worker_->thread.join();
 }
 
@@ -560,32 +504,26 @@ PostgresHistory::~PostgresHistory() {
 }
 
 void PostgresHistory::DescriptionLoaded(const HistoryDescription& description) {
-  worker_->Push(description);
+  worker_->queue.Push(description);
 }
 
 void PostgresHistory::RowAdded(const HistoryRow& row) {
-  worker_->Push(Encode(row));
+  worker_->queue.Push(Encode(row));
 }
 
 bool PostgresHistory::Flush(std::chrono::milliseconds timeout) {
-  std::unique_lock lock(worker_->mutex);
-  const uint64_t target = worker_->queued;
-  worker_->wake.notify_all();
-  return worker_->written.wait_for(lock, timeout, [&] { return worker_->done >= target; });
+  return worker_->queue.Flush(timeout);
 }
 
 std::string PostgresHistory::LastError() const {
-  std::lock_guard lock(worker_->mutex);
-  return worker_->error;
+  return worker_->queue.FirstError();
 }
 
 int64_t PostgresHistory::RowsLost() const {
-  std::lock_guard lock(worker_->mutex);
-  return worker_->lost;
+  return worker_->queue.RowsLost();
 }
 
 size_t PostgresHistory::RowsSpooled() const {
-  std::lock_guard lock(worker_->mutex);
   return worker_->spooled;
 }
 

@@ -4,14 +4,13 @@
 
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstring>
 #include <deque>
-#include <mutex>
 #include <thread>
 #include <variant>
 
 #include "encoded_row.h"
+#include "history_queue.h"
 #include "sqlite_statement.h"
 #include "vantrel/encoding.h"
 
@@ -136,55 +135,10 @@ struct SqliteHistory::Worker {
 
   sqlite3* db = nullptr;
   std::thread thread;
-  mutable std::mutex mutex;
-  std::condition_variable wake;
-  std::condition_variable written;
-  std::deque<Item> queue;  // guarded by mutex
-  uint64_t queued = 0;     // guarded: items ever queued
-  uint64_t done = 0;       // guarded: items ever written (or given up on)
-  bool stopping = false;   // guarded
-  std::string error;       // guarded: the first failure
-  int64_t lost = 0;        // guarded: rows lost
-  std::function<void(int64_t, std::string_view)> rowsLost;  // guarded
-  int64_t descriptionId = 0;                                // worker only
+  HistoryQueue queue;
+  int64_t descriptionId = 0;  // worker only
 
   ~Worker() { sqlite3_close(db); }
-
-  void Push(Item item) {
-    bool wasEmpty = false;
-    {
-      std::lock_guard lock(mutex);
-      wasEmpty = queue.empty();
-      queue.push_back(std::move(item));
-      ++queued;
-    }
-    // The worker sleeps only on an empty queue: waking it for every row would cost a
-    // system call per row.
-    if (wasEmpty) wake.notify_one();
-  }
-
-  void Fail(const std::string& text) {
-    std::lock_guard lock(mutex);
-    if (error.empty()) error = text;
-  }
-
-  void ReportLost(const std::deque<Item>& batch, const std::string& problem) {
-    int64_t rows = 0;
-    for (const Item& item : batch)
-      rows += std::holds_alternative<EncodedRow>(item) ? 1 : 0;
-    std::function<void(int64_t, std::string_view)> report;
-    int64_t total = 0;
-    {
-      std::lock_guard lock(mutex);
-      lost += rows;
-      total = lost;
-      report = rowsLost;
-    }
-    if (report && rows > 0) {
-      report(rows, std::to_string(rows) + " history rows lost: the history could not be written: " +
-                       problem + " (" + std::to_string(total) + " lost in all)");
-    }
-  }
 
   // Rows batch[first .. last) into `statement`, which has exactly that many row slots.
   bool InsertRows(Statement& statement, const std::deque<Item>& batch, size_t first, size_t last) {
@@ -229,15 +183,12 @@ struct SqliteHistory::Worker {
     Statement rows(db, (insertRows + values).c_str());
     std::deque<Item> batch;
     while (true) {
-      {
-        std::unique_lock lock(mutex);
-        // Rows that come close together share one transaction.
-        wake.wait_for(lock, std::chrono::milliseconds(100),
-                      [this] { return stopping || !queue.empty(); });
-        if (queue.empty() && stopping) break;
-        batch.swap(queue);
+      // Rows that come close together share one transaction.
+      const bool stopping = queue.Take(batch, std::chrono::milliseconds(100));
+      if (batch.empty()) {
+        if (stopping) break;
+        continue;
       }
-      if (batch.empty()) continue;
       std::string problem;
       bool ok = Execute(db, "BEGIN", problem);
       for (size_t at = 0; ok && at < batch.size();) {
@@ -278,19 +229,15 @@ struct SqliteHistory::Worker {
         }
       }
       if (ok) ok = Execute(db, "COMMIT", problem);
-      if (!ok) {
+      if (ok) {
+        queue.Done(batch.size());
+      } else {
         if (problem.empty()) problem = ErrorText(db);
         std::string ignored;
         Execute(db, "ROLLBACK", ignored);
-        Fail("the history could not be written: " + problem);
-        ReportLost(batch, problem);
-      }
-      {
-        std::lock_guard lock(mutex);
-        done += batch.size();
+        queue.Lose(RowsIn(batch), batch.size(), "the history could not be written: " + problem);
       }
       batch.clear();
-      written.notify_all();
     }
   }
 };
@@ -326,37 +273,28 @@ std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std:
 SqliteHistory::SqliteHistory(std::unique_ptr<Worker> worker) : worker_(std::move(worker)) {}
 
 SqliteHistory::~SqliteHistory() {
-  {
-    std::lock_guard lock(worker_->mutex);
-    worker_->stopping = true;
-  }
-  worker_->wake.notify_all();
+  worker_->queue.Stop();
   worker_->thread.join();
 }
 
 void SqliteHistory::DescriptionLoaded(const HistoryDescription& description) {
-  worker_->Push(description);
+  worker_->queue.Push(description);
 }
 
 void SqliteHistory::RowAdded(const HistoryRow& row) {
-  worker_->Push(Encode(row));
+  worker_->queue.Push(Encode(row));
 }
 
 void SqliteHistory::Flush() {
-  std::unique_lock lock(worker_->mutex);
-  const uint64_t target = worker_->queued;
-  worker_->wake.notify_all();
-  worker_->written.wait(lock, [&] { return worker_->done >= target; });
+  worker_->queue.Flush();
 }
 
 void SqliteHistory::OnRowsLost(std::function<void(int64_t, std::string_view)> report) {
-  std::lock_guard lock(worker_->mutex);
-  worker_->rowsLost = std::move(report);
+  worker_->queue.OnRowsLost(std::move(report));
 }
 
 std::string SqliteHistory::LastError() const {
-  std::lock_guard lock(worker_->mutex);
-  return worker_->error;
+  return worker_->queue.FirstError();
 }
 
 }  // namespace vantrel::history
