@@ -93,6 +93,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   control.SetMaxRows(40);
   control.SetInterval(10);
   control.SetStartRegister(program.Config().startRegister);
+  // A command word may ask for an export: it goes to the scratch directory, not the
+  // directory the fuzzer runs in.
+  control.SetExportFile((fuzz::Scratch() / "export.xls").string());
   control.Start();
 
   for (int step = 0; step < 400 && !in.Empty(); ++step) {
