@@ -137,7 +137,7 @@ CLI::App* AddControllerCommand(CLI::App& app, ControllerOptions& o) {
       ->check(CLI::Range(1, 3'600'000));
   command->add_option("--duration", o.durationSeconds, "Stop after this many seconds")
       ->check(CLI::NonNegativeNumber);
-  AddModbusOptions(*command, o.modbus);
+  hosts::AddModbusOptions(*command, o.modbus);
   return command;
 }
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "modbus_options.h"
+#include "host_options.h"
 
 namespace CLI {
 class App;
@@ -19,7 +19,7 @@ struct ControllerOptions {
   std::optional<std::string> programFile;
   std::optional<int32_t> recordIntervalMs;
   double durationSeconds = 0;
-  ModbusOptions modbus;
+  hosts::ModbusOptions modbus;
 };
 
 // Registers the subcommand and its options; returns it.

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "modbus_options.h"
+#include "host_options.h"
 #include "vantrel/clock.h"
 #include "vantrel/hosts/controller_link.h"
 #include "vantrel/hosts/embedded_controller.h"
@@ -16,7 +16,7 @@ namespace vantrel::cli {
 // "modbus://HOST:PORT" through a Modbus TCP client; nullptr with `error` set when the text
 // or the mapping options are wrong or the program was built without Modbus.
 std::unique_ptr<hosts::ControllerLink> OpenModbusLink(const std::string& address,
-                                                      const ModbusOptions& options,
+                                                      const hosts::ModbusOptions& options,
                                                       PollEventLoop& loop,
                                                       hosts::LinkHandlers handlers,
                                                       std::string& error);

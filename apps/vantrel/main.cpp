@@ -7,7 +7,7 @@
 #include "controller_command.h"
 #include "crypt_command.h"
 #include "history_command.h"
-#include "modbus_options.h"
+#include "host_options.h"
 #include "run_command.h"
 
 int main(int argc, char** argv) {
@@ -17,37 +17,8 @@ int main(int argc, char** argv) {
   vantrel::cli::RunOptions run;
   CLI::App* runCommand =
       app.add_subcommand("run", "Read a controller's trace and print each record as a row");
-  runCommand
-      ->add_option("--controller", run.controller,
-                   "Controller to read: 'sim' (the embedded virtual controller) or "
-                   "modbus://HOST:PORT")
-      ->capture_default_str();
-  runCommand->add_option("--properties", run.propertiesFile,
-                         "Load the control's settings from this Name=Value file");
-  runCommand->add_option("--start-register", run.startRegister,
-                         "Register holding the trace buffer pointer");
-  runCommand->add_option("--resource-path", run.resourcePath,
-                         "Comma-separated directories searched for description files");
-  runCommand->add_option("--project-path", run.projectPath, "Project directory");
-  runCommand->add_option("--user-file", run.userFile, "User buffer file (.vtlr)");
-  runCommand->add_option("--symbols", run.symbols, "PG5 symbol file");
-  runCommand->add_flag("--simulation", run.simulation, "Simulate the buffer of the user file");
-  runCommand->add_option("--interval", run.interval, "Polling period in milliseconds")
-      ->check(CLI::Range(1, 3'600'000));
-  runCommand->add_option("--max-rows", run.maxRows, "Rows kept in the table");
-  runCommand->add_flag("--date-col", run.dateColumn, "Show the PC date column");
-  runCommand->add_flag("--time-col", run.timeColumn, "Show the PC time column");
-  runCommand->add_flag("--status-col", run.statusColumn, "Show the controller status column");
-  runCommand->add_option("--export", run.exportFile, "Export file");
-  runCommand
-      ->add_option("--index-file", run.indexFile,
-                   "Export file naming: 0 fixed, 1 time-stamped, 2 indexed")
-      ->check(CLI::Range(0, 2));
-  runCommand->add_flag("--auto-export", run.autoExport, "Export whenever the table is full");
+  vantrel::hosts::AddHostOptions(*runCommand, run);
   runCommand->add_flag("--export-on-exit", run.exportOnExit, "Export the table when stopping");
-  runCommand->add_option("--history", run.historyFile,
-                         "Keep every row in a record history: a SQLite file (created if "
-                         "missing) or a PostgreSQL database (postgresql://...)");
   runCommand->add_option("--history-spool", run.history.spoolDirectory,
                          "Where rows wait while the PostgreSQL server is away (default: the "
                          "temporary directory)");
@@ -62,22 +33,10 @@ int main(int argc, char** argv) {
           "The most the spool holds, in bytes, or with K, M or G (default 256M); rows beyond it "
           "are lost and reported")
       ->type_name("SIZE");
-  runCommand
-      ->add_option("--export-format", run.exportFormat,
-                   "Export file format: biff2 (Excel 2.x, the default), xlsx or csv")
-      ->check(CLI::IsMember({"biff2", "xlsx", "csv"}));
   runCommand->add_option("--records", run.records, "Stop after this many rows")
       ->check(CLI::NonNegativeNumber);
   runCommand->add_option("--duration", run.durationSeconds, "Stop after this many seconds")
       ->check(CLI::NonNegativeNumber);
-  runCommand->add_option("--program", run.programFile,
-                         "The embedded controller's trace program (INI file)");
-  runCommand
-      ->add_option("--record-interval", run.recordIntervalMs,
-                   "Milliseconds between records of the embedded controller (default: the "
-                   "program's)")
-      ->check(CLI::Range(1, 3'600'000));
-  vantrel::cli::AddModbusOptions(*runCommand, run.modbus);
   runCommand->add_option("--events", run.eventsFile,
                          "Write every event as a JSON line to this file ('-' for stdout)");
   auto* yes = runCommand->add_flag("--yes", run.yes, "Answer Yes when asked to search a file");

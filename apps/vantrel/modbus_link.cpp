@@ -4,7 +4,7 @@
 namespace vantrel::cli {
 
 std::unique_ptr<hosts::ControllerLink> OpenModbusLink(const std::string& address,
-                                                      const ModbusOptions& options,
+                                                      const hosts::ModbusOptions& options,
                                                       PollEventLoop& loop,
                                                       hosts::LinkHandlers handlers,
                                                       std::string& error) {

@@ -3,9 +3,9 @@
 
 namespace vantrel::cli {
 
-std::unique_ptr<hosts::ControllerLink> OpenModbusLink(const std::string&, const ModbusOptions&,
-                                                      PollEventLoop&, hosts::LinkHandlers,
-                                                      std::string& error) {
+std::unique_ptr<hosts::ControllerLink> OpenModbusLink(const std::string&,
+                                                      const hosts::ModbusOptions&, PollEventLoop&,
+                                                      hosts::LinkHandlers, std::string& error) {
   error = "this vantrel was built without Modbus TCP (VANTREL_BUILD_MODBUS=OFF)";
   return nullptr;
 }

@@ -114,29 +114,14 @@ class RunHost : public ControlEvents {
 
 void ApplyOptions(Control& control, const RunOptions& o, int16_t startRegister) {
   control.SetStartRegister(o.startRegister.value_or(startRegister));
-  if (o.resourcePath) {
-    control.SetResourcePath(*o.resourcePath);
-  } else if (o.propertiesFile.empty()) {
+  if (!o.resourcePath && o.propertiesFile.empty()) {
     // The bundled example's description is found there, whichever way its controller is
     // reached (`vantrel controller` runs the same program).
     const std::string examples = hosts::ExamplesDirectory();
     control.SetResourcePath(examples);
     if (!o.symbols) control.SetSymbFile(examples + "/pumps_symbols.sym");
   }
-  if (o.projectPath) control.SetProjectPath(*o.projectPath);
-  if (o.userFile) control.SetUserFile(*o.userFile);
-  if (o.symbols) control.SetSymbFile(*o.symbols);
-  if (o.interval) control.SetInterval(*o.interval);
-  if (o.maxRows) control.SetMaxRows(*o.maxRows);
-  if (o.dateColumn) control.SetDateStampCol(true);
-  if (o.timeColumn) control.SetTimeStampCol(true);
-  if (o.statusColumn) control.SetPCDStatusCol(true);
-  if (o.exportFile) control.SetExportFile(*o.exportFile);
-  if (o.indexFile) control.SetIndexFile(*o.indexFile);
-  if (o.autoExport) control.SetAutoExport(true);
-  if (o.exportFormat) {
-    control.SetExportFormat(*o.exportFormat == "xlsx" ? 1 : *o.exportFormat == "csv" ? 2 : 0);
-  }
+  hosts::ApplyControlOptions(control, o);
   if (o.simulation) {
     // The simulation reads no buffer header, so the buffer key it compares with the user
     // buffer file's is empty: a file that names a key is refused, which says little on its

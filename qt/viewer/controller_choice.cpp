@@ -41,10 +41,10 @@ std::optional<OpenedController> OpenController(const ViewerOptions& options, Tim
   if (options.controller.rfind("modbus://", 0) == 0) {
 #ifdef VANTREL_WITH_MODBUS
     hosts::modbus::ModbusLinkOptions link;
-    link.unit = options.unit;
-    link.wordOrder = options.wordOrder;
-    link.dataBlocks = options.dataBlocks;
-    link.registerOffset = options.registerOffset;
+    link.unit = options.modbus.unit;
+    link.wordOrder = options.modbus.wordOrder;
+    link.dataBlocks = options.modbus.dataBlocks;
+    link.registerOffset = options.modbus.registerOffset;
     OpenedController opened;
     opened.link = hosts::modbus::OpenModbusLink(options.controller, link, std::move(post),
                                                 std::move(handlers), error);

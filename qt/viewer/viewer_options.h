@@ -7,35 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "host_options.h"
+
 namespace vantrel::viewer {
 
-struct ViewerOptions {
-  std::string controller = "sim";
-  std::optional<std::string> programFile;
-  std::optional<int32_t> recordIntervalMs;
-  std::string propertiesFile;
-  std::optional<int16_t> startRegister;
-  std::optional<std::string> resourcePath;
-  std::optional<std::string> projectPath;
-  std::optional<std::string> userFile;
-  std::optional<std::string> symbols;
-  bool simulation = false;
-  std::optional<int32_t> interval;
-  std::optional<int32_t> maxRows;
+struct ViewerOptions : hosts::HostOptions {
   std::optional<int32_t> maxGraph;
-  bool dateColumn = false;
-  bool timeColumn = false;
-  bool statusColumn = false;
-  std::optional<std::string> exportFile;
-  std::optional<int16_t> indexFile;
-  bool autoExport = false;
-  std::optional<std::string> exportFormat;  // biff2, xlsx or csv
-  std::optional<std::string> historyFile;
-  // Modbus TCP mapping, as `vantrel run` takes it.
-  int unit = 1;
-  std::string wordOrder = "hi-lo";
-  std::vector<std::string> dataBlocks;
-  int32_t registerOffset = 0;
 
   // Render the window into this PNG file once `afterRecords` rows are shown, then exit.
   std::string screenshot;

@@ -120,22 +120,8 @@ void ViewerWindow::ApplyCommandLine() {
   } else if (control.StartRegister() == 0) {
     control.SetStartRegister(controller_.defaultStartRegister);
   }
-  if (o.resourcePath) control.SetResourcePath(*o.resourcePath);
-  if (o.projectPath) control.SetProjectPath(*o.projectPath);
-  if (o.userFile) control.SetUserFile(*o.userFile);
-  if (o.symbols) control.SetSymbFile(*o.symbols);
-  if (o.interval) control.SetInterval(*o.interval);
-  if (o.maxRows) control.SetMaxRows(*o.maxRows);
+  hosts::ApplyControlOptions(control, o);
   if (o.maxGraph) control.SetMaxGraph(*o.maxGraph);
-  if (o.dateColumn) control.SetDateStampCol(true);
-  if (o.timeColumn) control.SetTimeStampCol(true);
-  if (o.statusColumn) control.SetPCDStatusCol(true);
-  if (o.exportFile) control.SetExportFile(*o.exportFile);
-  if (o.indexFile) control.SetIndexFile(*o.indexFile);
-  if (o.autoExport) control.SetAutoExport(true);
-  if (o.exportFormat) {
-    control.SetExportFormat(*o.exportFormat == "xlsx" ? 1 : *o.exportFormat == "csv" ? 2 : 0);
-  }
   if (o.historyFile) control.SetHistoryFile(*o.historyFile);
   if (o.simulation) control.SetSimulation(true);
 }
