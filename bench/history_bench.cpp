@@ -123,14 +123,6 @@ void BM_PlainMultiRowInserts(benchmark::State& state) {
 void BM_PlainInsertsOfTheHistorysRows(benchmark::State& state) {
   const auto& rows = TheRows();
   const std::string path = TempPath("vantrel-bench-stored.db");
-  std::vector<std::string> times;
-  for (const HistoryRow& row : rows) {
-    char text[32];
-    const DateTime& t = row.pcTime;
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
-                  t.hour, t.minute, t.second, t.millisecond);
-    times.emplace_back(text);
-  }
   for (auto _ : state) {
     state.PauseTiming();
     {
@@ -151,31 +143,19 @@ void BM_PlainInsertsOfTheHistorysRows(benchmark::State& state) {
       sql += i == 0 ? "(1,'record',?,?,?,?,?,?)" : ",(1,'record',?,?,?,?,?,?)";
     sqlite3_stmt* insert = nullptr;
     sqlite3_prepare_v2(db, sql.c_str(), -1, &insert, nullptr);
-    std::vector<std::string> display(kPerInsert);
-    std::vector<std::string> raw(kPerInsert);
+    std::vector<StoredTexts> stored(kPerInsert);
     state.ResumeTiming();
     sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
     for (int r = 0; r < kRows; r += kPerInsert) {
       int p = 1;
       for (int i = 0; i < kPerInsert; ++i) {
-        const auto at = static_cast<size_t>(r + i);
-        const HistoryRow& row = rows[at];
-        std::string& d = display[static_cast<size_t>(i)];
-        std::string& w = raw[static_cast<size_t>(i)];
-        d = "[";
-        w = "[";
-        for (size_t col = 0; col < kColumns; ++col) {
-          d += (col > 0 ? "," : "") +
-               (row.number[col] ? row.display[col] : "\"" + row.display[col] + "\"");
-          w += (col > 0 ? "," : "") + row.raw[col];
-        }
-        d += "]";
-        w += "]";
+        const HistoryRow& row = rows[static_cast<size_t>(r + i)];
+        const StoredTexts& s = stored[static_cast<size_t>(i)] = Stored(row);
         sqlite3_bind_int64(insert, p++, row.recordNumber);
-        sqlite3_bind_text(insert, p++, times[at].c_str(), -1, SQLITE_STATIC);
+        sqlite3_bind_text(insert, p++, s.pcTime.c_str(), -1, SQLITE_STATIC);
         sqlite3_bind_text(insert, p++, row.status.c_str(), -1, SQLITE_STATIC);
-        sqlite3_bind_text(insert, p++, d.c_str(), -1, SQLITE_STATIC);
-        sqlite3_bind_text(insert, p++, w.c_str(), -1, SQLITE_STATIC);
+        sqlite3_bind_text(insert, p++, s.display.c_str(), -1, SQLITE_STATIC);
+        sqlite3_bind_text(insert, p++, s.raw.c_str(), -1, SQLITE_STATIC);
         sqlite3_bind_text(insert, p++, row.line.c_str(), -1, SQLITE_STATIC);
       }
       if (sqlite3_step(insert) != SQLITE_DONE) state.SkipWithError(sqlite3_errmsg(db));

@@ -2,6 +2,7 @@
 // The rows both history benchmarks write: 100,000 rows of 12 trace columns, numbers and
 // texts, with raw values and the shown line, and their description.
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,33 @@ std::vector<HistoryRow> Rows() {
 const std::vector<HistoryRow>& TheRows() {
   static const std::vector<HistoryRow> rows = Rows();
   return rows;
+}
+
+// What the history stores of a row beyond its plain fields, built here without our code for
+// the plain-insert baselines: the PC time as text, the cells and raw values as JSON arrays.
+struct StoredTexts {
+  std::string pcTime;
+  std::string display;
+  std::string raw;
+};
+
+StoredTexts Stored(const HistoryRow& row) {
+  StoredTexts s;
+  char time[32];
+  const DateTime& t = row.pcTime;
+  std::snprintf(time, sizeof time, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month, t.day,
+                t.hour, t.minute, t.second, t.millisecond);
+  s.pcTime = time;
+  s.display = "[";
+  s.raw = "[";
+  for (size_t col = 0; col < row.display.size(); ++col) {
+    s.display += (col > 0 ? "," : "") +
+                 (row.number[col] ? row.display[col] : "\"" + row.display[col] + "\"");
+    s.raw += (col > 0 ? "," : "") + row.raw[col];
+  }
+  s.display += "]";
+  s.raw += "]";
+  return s;
 }
 
 HistoryDescription Description() {

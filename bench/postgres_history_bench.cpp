@@ -69,6 +69,41 @@ Server& TheServer() {
   return server;
 }
 
+// A prepared INSERT of kPerInsert rows into `target` ("table (columns)" or "table"), each
+// row of `parameters` values; Texts() holds the values of its next execution, row by row.
+class MultiRowInsert {
+ public:
+  static constexpr int kPerInsert = 100;
+  MultiRowInsert(PGconn* c, const std::string& target, int parameters)
+      : c_(c), texts_(static_cast<size_t>(kPerInsert * parameters)), values_(texts_.size()) {
+    std::string sql = "INSERT INTO " + target + " VALUES ";
+    for (int i = 0, p = 1; i < kPerInsert; ++i) {
+      sql += i == 0 ? "(" : ",(";
+      for (int k = 0; k < parameters; ++k, ++p)
+        sql += (k == 0 ? "$" : ",$") + std::to_string(p);
+      sql += ")";
+    }
+    PQclear(PQprepare(c, "insert", sql.c_str(), static_cast<int>(texts_.size()), nullptr));
+  }
+  std::vector<std::string>& Texts() { return texts_; }
+  // False with the server's message when the insert failed.
+  bool Execute(benchmark::State& state) {
+    for (size_t k = 0; k < texts_.size(); ++k)
+      values_[k] = texts_[k].c_str();
+    PGresult* result = PQexecPrepared(c_, "insert", static_cast<int>(values_.size()),
+                                      values_.data(), nullptr, nullptr, 0);
+    const bool ok = PQresultStatus(result) == PGRES_COMMAND_OK;
+    if (!ok) state.SkipWithError(PQerrorMessage(c_));
+    PQclear(result);
+    return ok;
+  }
+
+ private:
+  PGconn* c_;
+  std::vector<std::string> texts_;
+  std::vector<const char*> values_;
+};
+
 void BM_PostgresHistorySink(benchmark::State& state) {
   const auto& rows = TheRows();
   for (auto _ : state) {
@@ -103,23 +138,13 @@ void BM_PostgresPlainMultiRowInserts(benchmark::State& state) {
                 ", r" + std::to_string(col) + " bigint";
     }
     PQclear(PQexec(c, (create + ")").c_str()));
-    constexpr int kPerInsert = 100;
-    constexpr int kParameters = 3 + 2 * kColumns;
-    std::string sql = "INSERT INTO t VALUES ";
-    for (int i = 0, p = 1; i < kPerInsert; ++i) {
-      sql += i == 0 ? "(" : ",(";
-      for (int k = 0; k < kParameters; ++k, ++p)
-        sql += (k == 0 ? "$" : ",$") + std::to_string(p);
-      sql += ")";
-    }
-    PQclear(PQprepare(c, "insert", sql.c_str(), kPerInsert * kParameters, nullptr));
-    std::vector<std::string> texts(static_cast<size_t>(kPerInsert * kParameters));
-    std::vector<const char*> values(texts.size());
+    MultiRowInsert insert(c, "t", 3 + 2 * kColumns);
     state.ResumeTiming();
     PQclear(PQexec(c, "BEGIN"));
-    for (int r = 0; r < kRows; r += kPerInsert) {
+    for (int r = 0; r < kRows; r += MultiRowInsert::kPerInsert) {
+      std::vector<std::string>& texts = insert.Texts();
       size_t p = 0;
-      for (int i = 0; i < kPerInsert; ++i) {
+      for (int i = 0; i < MultiRowInsert::kPerInsert; ++i) {
         const HistoryRow& row = rows[static_cast<size_t>(r + i)];
         texts[p++] = std::to_string(row.recordNumber);
         texts[p++] = "2026-11-23 09:00:00.000";
@@ -129,12 +154,7 @@ void BM_PostgresPlainMultiRowInserts(benchmark::State& state) {
           texts[p++] = row.raw[col];
         }
       }
-      for (size_t k = 0; k < texts.size(); ++k)
-        values[k] = texts[k].c_str();
-      PGresult* result = PQexecPrepared(c, "insert", static_cast<int>(values.size()), values.data(),
-                                        nullptr, nullptr, 0);
-      if (PQresultStatus(result) != PGRES_COMMAND_OK) state.SkipWithError(PQerrorMessage(c));
-      PQclear(result);
+      if (!insert.Execute(state)) break;
     }
     PQclear(PQexec(c, "COMMIT"));
     state.PauseTiming();
@@ -153,53 +173,38 @@ void BM_PostgresPlainInsertsOfTheHistorysRows(benchmark::State& state) {
     state.PauseTiming();
     const std::string url = TheServer().NewDatabase();
     {
-      // The history makes the schema; it writes nothing more.
+      // The history makes the schema and records the description; it writes nothing more.
       std::string error;
       history::PostgresHistoryOptions options;
       options.url = url;
       auto history = history::PostgresHistory::Open(options, error);
+      if (history) {
+        history->DescriptionLoaded(Description());
+        history->Flush(std::chrono::seconds(60));
+      }
     }
     PGconn* c = PQconnectdb(url.c_str());
-    constexpr int kPerInsert = 100;
-    constexpr int kParameters = 7;
-    std::string sql =
-        "INSERT INTO rows (kind, record_number, pc_time, status, display, raw, shown) VALUES ";
-    for (int i = 0, p = 1; i < kPerInsert; ++i) {
-      sql += i == 0 ? "(" : ",(";
-      for (int k = 0; k < kParameters; ++k, ++p)
-        sql += (k == 0 ? "$" : ",$") + std::to_string(p);
-      sql += ")";
-    }
-    PQclear(PQprepare(c, "insert", sql.c_str(), kPerInsert * kParameters, nullptr));
-    std::vector<std::string> texts(static_cast<size_t>(kPerInsert * kParameters));
-    std::vector<const char*> values(texts.size());
+    // Under the description the history recorded, as its own rows are.
+    MultiRowInsert insert(
+        c, "rows (description_id, kind, record_number, pc_time, status, display, raw, shown)", 8);
     state.ResumeTiming();
     PQclear(PQexec(c, "BEGIN"));
-    for (int r = 0; r < kRows; r += kPerInsert) {
+    for (int r = 0; r < kRows; r += MultiRowInsert::kPerInsert) {
+      std::vector<std::string>& texts = insert.Texts();
       size_t p = 0;
-      for (int i = 0; i < kPerInsert; ++i) {
+      for (int i = 0; i < MultiRowInsert::kPerInsert; ++i) {
         const HistoryRow& row = rows[static_cast<size_t>(r + i)];
-        std::string display = "[";
-        std::string raw = "[";
-        for (size_t col = 0; col < kColumns; ++col) {
-          display += (col > 0 ? "," : "") +
-                     (row.number[col] ? row.display[col] : "\"" + row.display[col] + "\"");
-          raw += (col > 0 ? "," : "") + row.raw[col];
-        }
+        StoredTexts stored = Stored(row);
+        texts[p++] = "1";
         texts[p++] = "record";
         texts[p++] = std::to_string(row.recordNumber);
-        texts[p++] = "2026-11-23 09:00:00.000";
+        texts[p++] = std::move(stored.pcTime);
         texts[p++] = row.status;
-        texts[p++] = display + "]";
-        texts[p++] = raw + "]";
+        texts[p++] = std::move(stored.display);
+        texts[p++] = std::move(stored.raw);
         texts[p++] = row.line;
       }
-      for (size_t k = 0; k < texts.size(); ++k)
-        values[k] = texts[k].c_str();
-      PGresult* result = PQexecPrepared(c, "insert", static_cast<int>(values.size()), values.data(),
-                                        nullptr, nullptr, 0);
-      if (PQresultStatus(result) != PGRES_COMMAND_OK) state.SkipWithError(PQerrorMessage(c));
-      PQclear(result);
+      if (!insert.Execute(state)) break;
     }
     PQclear(PQexec(c, "COMMIT"));
     state.PauseTiming();
