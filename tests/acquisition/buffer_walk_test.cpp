@@ -44,35 +44,33 @@ struct WalkFixture : ModuleFixture {
   }
 };
 
-TEST(BufferWalk, FirstPollLoadsTheSlotsWrittenSoFar) {
-  WalkFixture f;
-  EXPECT_TRUE(f.Poll(3, 3, 10));
-  EXPECT_EQ(f.m.buffer.RecordsToRead, 3);
-  EXPECT_EQ(f.Slot(), 0);
-  EXPECT_FALSE(f.m.walk.FirstRead);
-}
-
-TEST(BufferWalk, FirstPollOfAWrappedRingLoadsTheWholeRing) {
-  WalkFixture f;
-  EXPECT_TRUE(f.Poll(25, 5, 10));
-  EXPECT_EQ(f.m.buffer.RecordsToRead, 10);
-  EXPECT_EQ(f.Slot(), 0);
-  EXPECT_EQ(f.m.walk.LastIndex, 4);
-}
-
-TEST(BufferWalk, NothingNewReadsNothing) {
-  WalkFixture f;
-  f.Seen(20, 4, 10);
-  EXPECT_FALSE(f.Poll(20, 4, 10));
-  EXPECT_EQ(f.m.buffer.RecordsToRead, 0);
-}
-
-TEST(BufferWalk, NewRecordsBeforeTheWriteSlot) {
-  WalkFixture f;
-  f.Seen(20, 1, 10);
-  EXPECT_TRUE(f.Poll(23, 4, 10));
-  EXPECT_EQ(f.m.buffer.RecordsToRead, 3);
-  EXPECT_EQ(f.Slot(), 1);
+// A poll of a ring of ten plans the records to fetch and the slot they start at; all but the
+// first poll follow a read that left the walk at `seenCounter` and `seenWriteIndex`.
+TEST(BufferWalk, APollPlansTheNewRecordsFromTheirSlot) {
+  struct Case {
+    const char* what;
+    bool firstPoll;
+    int32_t seenCounter, seenWriteIndex, counter, writeIndex;
+    int16_t toRead;
+    int slot;
+    int16_t lastIndex;  // -1: not looked at
+  };
+  for (const Case c : {Case{"the slots written so far", true, 0, 0, 3, 3, 3, 0, -1},
+                       Case{"a wrapped ring at the first poll", true, 0, 0, 25, 5, 10, 0, 4},
+                       Case{"nothing new", false, 20, 4, 20, 4, 0, 0, -1},
+                       Case{"new records before the write slot", false, 20, 1, 23, 4, 3, 1, -1}}) {
+    WalkFixture f;
+    if (!c.firstPoll) f.Seen(c.seenCounter, c.seenWriteIndex, 10);
+    EXPECT_EQ(f.Poll(c.counter, c.writeIndex, 10), c.toRead > 0) << c.what;
+    EXPECT_EQ(f.m.buffer.RecordsToRead, c.toRead) << c.what;
+    if (c.toRead > 0) {
+      EXPECT_EQ(f.Slot(), c.slot) << c.what;
+    }
+    EXPECT_FALSE(f.m.walk.FirstRead) << c.what;
+    if (c.lastIndex >= 0) {
+      EXPECT_EQ(f.m.walk.LastIndex, c.lastIndex) << c.what;
+    }
+  }
 }
 
 TEST(BufferWalk, AWrappedBurstIsReadInTwoPollsOldestFirst) {

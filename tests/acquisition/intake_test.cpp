@@ -15,6 +15,15 @@ void Assign(Control& c, std::vector<int32_t> block) {
   c.SetDataBlock(block);
 }
 
+// A sixteen-word buffer header of ten registers.
+std::vector<int32_t> Header(const char (&format)[5], const char (&key)[5]) {
+  std::vector<int32_t> header(16, 0);
+  header[0] = Packed(format);
+  header[1] = Packed(key);
+  header[3] = 10;
+  return header;
+}
+
 TEST(Intake, InvalidStartRegisterIsReportedAndTheStateStays) {
   ControlFixture f;
   f->Start();
@@ -32,11 +41,7 @@ TEST(Intake, InvalidHeaderIsReportedAsElevenAndTheStateStays) {
   f->Start();
   Assign(*f, {500});
   f.host.ClearEvents();
-  std::vector<int32_t> header(16, 0);
-  header[0] = Packed("VTL1");
-  header[1] = Packed("AB\0\0");
-  header[3] = 10;
-  Assign(*f, header);
+  Assign(*f, Header("VTL1", "AB\0\0"));
   EXPECT_EQ(f.host.Errors(), std::vector<std::string>{"11:Invalid buffer\rBad key value"});
   EXPECT_EQ(f->ReadState(), 2);
   EXPECT_TRUE(f.host.Named("Status").empty()) << "already in state 2: no Status event";
@@ -66,11 +71,7 @@ TEST(Intake, InfoButtonIsDisabledByEveryHeaderRead) {
   ControlFixture f;
   f->Start();
   Assign(*f, {500});
-  std::vector<int32_t> header(16, 0);
-  header[0] = Packed("VTL2");
-  header[1] = Packed("PMP1");
-  header[3] = 10;
-  Assign(*f, header);
+  Assign(*f, Header("VTL2", "PMP1"));
   EXPECT_FALSE(f->GetSurface().infoButton.enabled);
 }
 

@@ -111,15 +111,11 @@ TEST(MarkerRows, RestartFillsTheFirstDataColumnToo) {
 }
 
 TEST(ControllerStatus, CodesHaveTheirTextsAndSixHasNone) {
-  EXPECT_EQ(PCDStatusTextOf(0), "Offline");
-  EXPECT_EQ(PCDStatusTextOf(1), "Disconnect");
-  EXPECT_EQ(PCDStatusTextOf(2), "Run");
-  EXPECT_EQ(PCDStatusTextOf(3), "Stop");
-  EXPECT_EQ(PCDStatusTextOf(4), "Halt");
-  EXPECT_EQ(PCDStatusTextOf(5), "Conditional Run");
-  EXPECT_EQ(PCDStatusTextOf(6), "Bad Status");
-  EXPECT_EQ(PCDStatusTextOf(7), "Conditional Stop");
-  EXPECT_EQ(PCDStatusTextOf(8), "Trace");
+  const char* texts[] = {"Offline", "Disconnect",      "Run",        "Stop",
+                         "Halt",    "Conditional Run", "Bad Status", "Conditional Stop",
+                         "Trace"};
+  for (int16_t code = 0; code <= 8; ++code)
+    EXPECT_EQ(PCDStatusTextOf(code), texts[code]) << code;
   EXPECT_EQ(PCDStatusTextOf(-1), "Bad Status");
 }
 

@@ -73,24 +73,10 @@ TEST(Graph, OnlySelectedColumnsBecomeSeries) {
   EXPECT_EQ(f.m.grid.HeaderBackColor(4), 0);
 }
 
-TEST(Graph, NewestRowsWithALabelOnEveryFifthPoint) {
-  GraphFixture f;
-  f.m.props.MaxGraph = 100;
-  f.AddRows(300);
-  ClickGraphButton(f.m);
-  ASSERT_EQ(f.m.chart.PointCount(), 100);
-  EXPECT_EQ(f.m.chart.Value(1, 1), 2010.0);  // row 201
-  EXPECT_EQ(f.m.chart.Value(1, 100), 3000.0);
-  for (int i = 1; i <= 100; ++i) {
-    const bool labelled = (200 + i) % 5 == 0;
-    EXPECT_EQ(f.m.chart.PointLabel(i).empty(), !labelled) << i;
-  }
-  EXPECT_EQ(f.m.chart.PointLabel(5), "205");
-}
-
-// The label step follows MaxGraph: every point up to 20, every 5th up to 100, every 10th up
-// to 500, every 20th above; the step counts row numbers, not point positions.
-TEST(Graph, LabelStepsFollowTheNumberOfPoints) {
+// The graph shows the newest MaxGraph rows. The label step follows MaxGraph: every point up
+// to 20, every 5th up to 100, every 10th up to 500, every 20th above; the step counts row
+// numbers, not point positions.
+TEST(Graph, NewestRowsWithLabelStepsThatFollowTheNumberOfPoints) {
   struct Case {
     int32_t maxGraph;
     int rows;
@@ -108,6 +94,9 @@ TEST(Graph, LabelStepsFollowTheNumberOfPoints) {
     for (int i = 1; i <= c.maxGraph; ++i) {
       const bool hasRow = i <= c.rows;
       const bool expected = hasRow && (start + i) % c.step == 0;
+      if (hasRow) {
+        EXPECT_EQ(f.m.chart.Value(1, i), (start + i) * 10.0) << "point " << i;
+      }
       const std::string label = f.m.chart.PointLabel(i);
       EXPECT_EQ(label, expected ? std::to_string(start + i) : "")
           << "MaxGraph " << c.maxGraph << ", point " << i;

@@ -148,11 +148,10 @@ TEST(FilePropertyBag, ReportsBadLinesWithTheirNumbersAndKeepsTheRest) {
                          "ExportFile=%zz\nMaxRows=9\n";
   FilePropertyBag bag;
   ASSERT_TRUE(bag.Load(path));
-  ASSERT_EQ(bag.Problems().size(), 4u);
-  EXPECT_EQ(bag.Problems()[0].line, 3);
-  EXPECT_EQ(bag.Problems()[1].line, 4);
-  EXPECT_EQ(bag.Problems()[2].line, 5);
-  EXPECT_EQ(bag.Problems()[3].line, 6);
+  std::vector<int> badLines;
+  for (const PropertyFileProblem& problem : bag.Problems())
+    badLines.push_back(problem.line);
+  EXPECT_EQ(badLines, (std::vector<int>{3, 4, 5, 6}));
   EXPECT_EQ(std::get<int32_t>(bag.ReadProperty("Interval", int32_t{1000})), 250);
   EXPECT_EQ(std::get<int32_t>(bag.ReadProperty("MaxRows", int32_t{500})), 9);
 }

@@ -358,19 +358,6 @@ TEST(ValueLists, EveryFieldTypeLooksItsValueUp) {
   EXPECT_EQ(f.LastRow().raw, "1;15;255;65535;-1;-1;255");
 }
 
-TEST(ValueLists, DefaultTextStandsInForMissingEntries) {
-  DecoderFixture f;
-  ColumnDef& c = f.Define(0, kByte, 0, 0, "State", "s");
-  c.Values = {0, 1};
-  c.ValueTexts = {"Off", "On"};
-  c.DefaultText = "Unknown";
-  ASSERT_TRUE(f.Decode({1}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "On");
-  ASSERT_TRUE(f.Decode({9}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "Unknown");
-  EXPECT_EQ(f.LastRow().raw, "9");
-}
-
 struct ValueTextFixture : DecoderFixture {
   ValueTextFixture() {
     m.valueTexts.Add("0", "Mode", 2, "Auto", "auto mode");

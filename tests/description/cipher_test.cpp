@@ -100,12 +100,6 @@ TEST_F(CipherFiles, DecryptChecksTheExtensionExactly) {
     EXPECT_FALSE(DecryptDescription(source, files.Path("out"), error)) << name;
     EXPECT_EQ(error, "Bad source file extension !") << name;
   }
-  for (const char* name : {"trace.vtld", "trace.vtl"}) {
-    const std::string source = files.WriteEnciphered(name, plain);
-    std::string error;
-    EXPECT_TRUE(DecryptDescription(source, files.Path("out"), error)) << name;
-    EXPECT_EQ(testing::ReadBytes(files.Path("out")), "[VANTREL]\r\nKey=PMP1\r\n");
-  }
 }
 
 TEST_F(CipherFiles, DecryptOfAPlainFileIsIncorrect) {

@@ -16,18 +16,14 @@
 namespace vantrel {
 namespace {
 
+using testing::Replace;
+
 const std::string kHeader =
     "[VANTREL]\nApp=Plant\nKey=PMP1\nVersion=2.5\nHeaderLenght=16\nCounterIndex=3\n"
     "RecordLenght=2\nStringIndex= 5,6 \n";
 const std::string kDriver = "[DRIVER]\nTitle=North\nColumnWidth=900\n";
 const std::string kRegisters = "[REGISTER_0]\nBit_0=1,,Run,%d\n[REGISTER_1]\nWord1=2,800,Lvl,%d\n";
 const std::string kPlain = kHeader + kDriver + kRegisters;
-
-std::string Replace(std::string text, const std::string& from, const std::string& to) {
-  const size_t at = text.find(from);
-  if (at != std::string::npos) text.replace(at, from.size(), to);
-  return text;
-}
 
 class Loader : public ::testing::Test {
  protected:

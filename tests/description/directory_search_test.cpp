@@ -38,12 +38,6 @@ TEST_F(DirectorySearch, DirectoriesMatchingThePatternArePassedOn) {
   EXPECT_EQ(FindFiles(dir, "s*"), Names{"sub"});
 }
 
-TEST_F(DirectorySearch, SearchTextFilesCallsTheReaderWithFullPaths) {
-  Names read;
-  SearchTextFiles(dir, "?.txt", [&](const std::string& path) { read.push_back(path); });
-  EXPECT_EQ(read, (Names{dir + "A.txt", dir + "b.TXT", dir + "c.txt"}));
-}
-
 TEST_F(DirectorySearch, EmptyDirectoryReadsNothingEvenInTheCurrentDirectory) {
   const auto previous = std::filesystem::current_path();
   std::filesystem::current_path(files.Root());

@@ -10,6 +10,8 @@
 namespace vantrel {
 namespace {
 
+using testing::Replace;
+
 const std::string kUserBuffer =
     "[VANTREL]\nUserBuffer=1\nVersion=1\n"
     "[USER_BUFFER]\nTitle=Tanks\nHeaderKey=TNK1\nHeaderType=1\nRecordLenght=3.5\nColumn=3\n"
@@ -18,12 +20,6 @@ const std::string kUserBuffer =
     "Column2=1,Nible,3,x,900.5,Valves,%b,0\n"
     "Column3=2,Long,9,x,1200,Flow,%7h,0\n"
     "Column4=2,Bit,1,x,500,Extra,%d,0\n";
-
-std::string Replace(std::string text, const std::string& from, const std::string& to) {
-  const size_t at = text.find(from);
-  if (at != std::string::npos) text.replace(at, from.size(), to);
-  return text;
-}
 
 class UserBuffer : public ::testing::Test {
  protected:

@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,34 +45,14 @@ Tally Count(const std::vector<std::string>& lines) {
   return t;
 }
 
-class LiveTrace : public ::testing::TestWithParam<Answering> {
+class LiveTrace : public ::testing::TestWithParam<Answering>, protected VirtualPlant {
  protected:
-  LiveTrace()
-      : program(space, NumberedRecords(kRing), loop.Clock()), host(space, loop, GetParam()) {
-    WriteDescription(dir);
-    program.Install();
-    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
-    host.control = &*control;
-    control->SetResourcePath(dir.Path().string());
-    control->SetStartRegister(program.Config().startRegister);
-    control->SetPCDStatusCol(true);
-    control->SetInterval(100);
-    control->Start();
-    loop.Advance(5);
-    control->SetRunMode(2);
-    loop.Advance(5);
+  LiveTrace() : VirtualPlant(NumberedRecords(kRing), GetParam()) {
+    Connect(100, [](Control& c) { c.SetPCDStatusCol(true); });
   }
 
   // Lets the control poll until it has caught up with the program.
   void Poll(int intervals = 3) { loop.Advance(100 * intervals); }
-
-  testing::TempDir dir;
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  RegisterSpace space;
-  TraceProgram program;
-  VirtualHost host;
-  std::optional<Control> control;
 };
 
 TEST_P(LiveTrace, EveryRecordIsShownOnceAndInOrder) {
@@ -145,25 +122,10 @@ INSTANTIATE_TEST_SUITE_P(Answers, LiveTrace, ::testing::Values(Answering::Inside
                          });
 
 // A host that stops answering and comes back: the control asks again and loses nothing.
-TEST(LiveTraceRecovery, UnansweredRequestsAreAskedAgain) {
-  testing::TempDir dir;
-  WriteDescription(dir);
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  RegisterSpace space;
-  TraceProgram program(space, NumberedRecords(kRing), loop.Clock());
-  program.Install();
-  VirtualHost host(space, loop, Answering::Later);
-  Control control(host, {loop, loop.Clock(), prompts});
-  host.control = &control;
-  control.SetResourcePath(dir.Path().string());
-  control.SetStartRegister(100);
-  control.SetPCDStatusCol(true);
-  control.SetInterval(100);
-  control.Start();
-  loop.Advance(5);
-  control.SetRunMode(2);
-  loop.Advance(305);
+class LiveTraceRecovery : public LiveTrace {};
+
+TEST_P(LiveTraceRecovery, UnansweredRequestsAreAskedAgain) {
+  Poll();
   program.WriteRecords(2);
   host.silent = true;
   loop.Advance(1000);
@@ -175,6 +137,8 @@ TEST(LiveTraceRecovery, UnansweredRequestsAreAskedAgain) {
   EXPECT_EQ(t.shown.back(), 5);
   EXPECT_TRUE(host.errors.empty());
 }
+
+INSTANTIATE_TEST_SUITE_P(Later, LiveTraceRecovery, ::testing::Values(Answering::Later));
 
 }  // namespace
 }  // namespace vantrel::hosts

@@ -25,34 +25,17 @@ struct RecordingSink : RowSink {
   void RowAdded(const HistoryRow& row) override { rows.push_back(row); }
 };
 
-struct SinkFixture {
-  SinkFixture()
-      : program(space, NumberedRecords(5), loop.Clock()), host(space, loop, Answering::Inside) {
-    WriteDescription(dir);
-    program.Install();
+struct SinkFixture : VirtualPlant {
+  SinkFixture() : VirtualPlant(NumberedRecords(5), Answering::Inside) {
     program.WriteRecords(2);
-    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
-    host.control = &*control;
-    control->AddRowSink(&sink);
-    control->SetResourcePath(dir.Path().string());
-    control->SetStartRegister(program.Config().startRegister);
-    control->SetInterval(100);
-    control->SetPCDStatus(2);
-    control->SetTimeStampCol(true);
-    control->SetPCDStatusCol(true);
-    control->Start();
-    loop.Advance(5);
-    control->SetRunMode(2);
-    loop.Advance(5);
+    Connect(100, [this](Control& c) {
+      c.AddRowSink(&sink);
+      c.SetPCDStatus(2);
+      c.SetTimeStampCol(true);
+      c.SetPCDStatusCol(true);
+    });
   }
-  testing::TempDir dir;
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  RegisterSpace space;
-  TraceProgram program;
-  VirtualHost host;
   RecordingSink sink;
-  std::optional<Control> control;
 };
 
 TEST(RowSinks, SeeTheDescriptionAndEveryRowWithItsKind) {

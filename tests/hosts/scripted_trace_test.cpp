@@ -32,13 +32,10 @@ struct Stamps {
   std::string name;
 };
 
-class ScriptedTrace : public ::testing::TestWithParam<Stamps> {
+class ScriptedTrace : public ::testing::TestWithParam<Stamps>, protected VirtualPlant {
  protected:
   explicit ScriptedTrace(int32_t counterStart = 0)
-      : program(space, Config(counterStart), loop.Clock()), host(space, loop, Answering::Inside) {
-    WriteDescription(dir);
-    program.Install();
-  }
+      : VirtualPlant(Config(counterStart), Answering::Inside) {}
 
   static TraceProgramConfig Config(int32_t counterStart) {
     TraceProgramConfig c = NumberedRecords(kRing);
@@ -48,19 +45,12 @@ class ScriptedTrace : public ::testing::TestWithParam<Stamps> {
 
   // Starts reading; the program has already written what the test wants found at start.
   void Connect() {
-    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
-    host.control = &*control;
-    control->SetResourcePath(dir.Path().string());
-    control->SetStartRegister(program.Config().startRegister);
-    control->SetDateStampCol(GetParam().date);
-    control->SetTimeStampCol(GetParam().time);
-    control->SetPCDStatusCol(GetParam().status);
-    control->SetInterval(kInterval);
-    control->SetPCDStatus(2);
-    control->Start();
-    loop.Advance(5);
-    control->SetRunMode(2);
-    loop.Advance(5);
+    VirtualPlant::Connect(kInterval, [](Control& c) {
+      c.SetDateStampCol(GetParam().date);
+      c.SetTimeStampCol(GetParam().time);
+      c.SetPCDStatusCol(GetParam().status);
+      c.SetPCDStatus(2);
+    });
     ASSERT_EQ(control->ReadState(), 3) << (host.errors.empty() ? "" : host.errors.front());
   }
 
@@ -95,13 +85,6 @@ class ScriptedTrace : public ::testing::TestWithParam<Stamps> {
     return prefix;
   }
 
-  testing::TempDir dir;
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  RegisterSpace space;
-  TraceProgram program;
-  VirtualHost host;
-  std::optional<Control> control;
   size_t taken = 0;
 };
 

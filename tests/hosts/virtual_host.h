@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "vantrel/hosts/register_space.h"
 #include "vantrel/hosts/trace_program.h"
 #include "vantrel/manual_event_loop.h"
+#include "vantrel/scripted_prompts.h"
 
 namespace vantrel::hosts {
 
@@ -95,6 +97,40 @@ class VirtualHost : public ControlEvents {
   Answering answering_;
   std::unique_ptr<Timer> courier_;
   std::deque<std::vector<int32_t>> pending_;
+};
+
+// A trace program, a host answering from its registers, and a control that reads them with
+// the records' description from a folder of its own.
+struct VirtualPlant {
+  VirtualPlant(const TraceProgramConfig& config, Answering answering)
+      : program(space, config, loop.Clock()), host(space, loop, answering) {
+    WriteDescription(dir);
+    program.Install();
+  }
+
+  // Creates the control, lets `configure` set further properties, and starts reading in run
+  // mode 2 with a poll every `interval` ms.
+  template <typename Configure>
+  void Connect(int32_t interval, Configure configure) {
+    control.emplace(host, ControlServices{loop, loop.Clock(), prompts});
+    host.control = &*control;
+    control->SetResourcePath(dir.Path().string());
+    control->SetStartRegister(program.Config().startRegister);
+    control->SetInterval(interval);
+    configure(*control);
+    control->Start();
+    loop.Advance(5);
+    control->SetRunMode(2);
+    loop.Advance(5);
+  }
+
+  testing::TempDir dir;
+  ManualEventLoop loop;
+  ScriptedPrompts prompts;
+  RegisterSpace space;
+  TraceProgram program;
+  VirtualHost host;
+  std::optional<Control> control;
 };
 
 }  // namespace vantrel::hosts

@@ -70,18 +70,27 @@ inline std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-inline std::string Python(const std::string& script, const std::string& file) {
-  const std::string command =
-      "/usr/bin/python3 " VANTREL_SOURCE_DIR "/tests/output/" + script + " '" + file + "'";
+// What a shell command printed; `status` receives its exit status.
+inline std::string RunShell(const std::string& command, int* status = nullptr) {
   std::string out;
+  int result = -1;
   if (FILE* pipe = ::popen(command.c_str(), "r")) {
     char buffer[4096];
     size_t n = 0;
     while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
       out.append(buffer, n);
-    if (::pclose(pipe) != 0) out = "(" + command + " failed)\n" + out;
+    result = ::pclose(pipe);
   }
+  if (status != nullptr) *status = result;
   return out;
+}
+
+inline std::string Python(const std::string& script, const std::string& file) {
+  const std::string command =
+      "/usr/bin/python3 " VANTREL_SOURCE_DIR "/tests/output/" + script + " '" + file + "'";
+  int status = 0;
+  const std::string out = RunShell(command, &status);
+  return status == 0 ? out : "(" + command + " failed)\n" + out;
 }
 
 }  // namespace vantrel::testing

@@ -3,36 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "decoding/row_bookkeeping.h"
-#include "output/output_steps.h"
-#include "support/module_fixture.h"
-#include "support/temp_dir.h"
+#include "output/fixed_trace.h"
 
 namespace vantrel {
 namespace {
-
-std::string RunCommand(const std::string& command, int& status) {
-  std::string out;
-  if (FILE* pipe = ::popen(command.c_str(), "r")) {
-    char buffer[4096];
-    size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-      out.append(buffer, n);
-    status = ::pclose(pipe);
-  } else {
-    status = -1;
-  }
-  return out;
-}
 
 std::vector<std::string> Split(const std::string& text, char separator) {
   std::vector<std::string> parts;
@@ -78,9 +59,9 @@ TEST(ReadBack, XlrdSeesEveryCellWithItsTypeAndFormat) {
   DecodedTrace t;
   int status = 0;
   const std::string out =
-      RunCommand("/usr/bin/python3 " VANTREL_SOURCE_DIR "/tests/output/read_xls.py " +
-                     t.dir.File("trace.xls") + " 2>&1",
-                 status);
+      testing::RunShell("/usr/bin/python3 " VANTREL_SOURCE_DIR "/tests/output/read_xls.py " +
+                            t.dir.File("trace.xls") + " 2>&1",
+                        &status);
   ASSERT_EQ(status, 0) << out;
   std::map<std::string, std::vector<std::string>> cells;
   for (const std::string& line : Split(out, '\n')) {
@@ -116,12 +97,10 @@ TEST(ReadBack, LibreOfficeShowsWhatTheTableShowed) {
   }
   DecodedTrace t;
   const std::string out = t.dir.File("csv");
-  int status = 0;
   // A profile of its own, so that a running office or a concurrent test does not interfere.
-  const std::string log = RunCommand(
+  const std::string log = testing::RunShell(
       "soffice -env:UserInstallation=file://" + t.dir.File("profile") +
-          " --headless --convert-to csv --outdir " + out + " " + t.dir.File("trace.xls") + " 2>&1",
-      status);
+      " --headless --convert-to csv --outdir " + out + " " + t.dir.File("trace.xls") + " 2>&1");
   std::ifstream csv(out + "/trace.csv");
   ASSERT_TRUE(csv.good()) << log;
   std::vector<std::string> lines;

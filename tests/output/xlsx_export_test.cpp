@@ -20,24 +20,16 @@ namespace vantrel {
 namespace {
 
 using testing::FixedTrace;
+using testing::RunShell;
 
-std::string RunShell(const std::string& command) {
-  std::string out;
-  if (FILE* pipe = ::popen(command.c_str(), "r")) {
-    char buffer[4096];
-    size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-      out.append(buffer, n);
-    ::pclose(pipe);
-  }
-  return out;
-}
+// The fixed trace with an .xlsx writer.
+struct WithXlsx : FixedTrace {
+  WithXlsx() { m.services.xlsx = &exporter; }
+  XlsxExporter exporter;
+};
 
-struct XlsxTrace : FixedTrace {
-  XlsxTrace() {
-    m.services.xlsx = &exporter;
-    path = Export(1, "trace.xlsx");
-  }
+struct XlsxTrace : WithXlsx {
+  XlsxTrace() { path = Export(1, "trace.xlsx"); }
   // A member of the workbook's zip, as text.
   std::string Member(const std::string& name) {
     return RunShell(
@@ -45,7 +37,6 @@ struct XlsxTrace : FixedTrace {
         "sys.stdout.write(zipfile.ZipFile(sys.argv[1]).read(sys.argv[2]).decode())\" '" +
         path + "' " + name);
   }
-  XlsxExporter exporter;
   std::string path;
 };
 
@@ -95,9 +86,7 @@ TEST(XlsxExport, TheWorkbookExplainsItself) {
 }
 
 TEST(XlsxExport, AnUnwritableFileFailsAndKeepsTheTable) {
-  FixedTrace trace;
-  XlsxExporter exporter;
-  trace.m.services.xlsx = &exporter;
+  WithXlsx trace;
   trace.m.CommandedExport = true;
   trace.Export(1, "missing-folder/trace.xlsx");
   EXPECT_EQ(trace.m.grid.DataRowCount(), 4);
@@ -109,9 +98,7 @@ TEST(XlsxExport, AnUnwritableFileFailsAndKeepsTheTable) {
 // to nothing yet, and no staging file is left behind.
 TEST(XlsxExport, ALinkInTheTargetsPlaceIsNotWrittenThrough) {
   for (const bool dangling : {false, true}) {
-    FixedTrace trace;
-    XlsxExporter exporter;
-    trace.m.services.xlsx = &exporter;
+    WithXlsx trace;
     const std::string victim = trace.dir.File("victim");
     std::ofstream(victim) << "keep";
     std::filesystem::create_symlink(dangling ? trace.dir.File("new") : victim,
@@ -127,9 +114,7 @@ TEST(XlsxExport, ALinkInTheTargetsPlaceIsNotWrittenThrough) {
 }
 
 TEST(XlsxExport, ANewWorkbookGetsTheUsualPermissionsAndAnOldOneKeepsItsOwn) {
-  FixedTrace trace;
-  XlsxExporter exporter;
-  trace.m.services.xlsx = &exporter;
+  WithXlsx trace;
   const std::string path = trace.Export(1, "trace.xlsx");
   namespace fs = std::filesystem;
   const fs::perms mask = static_cast<fs::perms>(::umask(022));

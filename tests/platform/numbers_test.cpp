@@ -7,6 +7,17 @@
 namespace vantrel {
 namespace {
 
+// The description of the error `f` throws.
+template <typename F>
+std::string ErrorOf(F f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.Description();
+  }
+  return "no error";
+}
+
 TEST(Val, ReadsTheLongestNumericPrefix) {
   EXPECT_EQ(Val("16abc"), 16.0);
   EXPECT_EQ(Val("  42"), 42.0);
@@ -53,12 +64,7 @@ TEST(Rounding, HalvesGoToEven) {
 TEST(Rounding, OutOfRangeIsAnOverflow) {
   EXPECT_EQ(RoundToInt16(32767.4), 32767);
   EXPECT_EQ(RoundToInt16(-32768.0), -32768);
-  try {
-    RoundToInt16(32767.5);
-    FAIL() << "no overflow";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.Description(), "Overflow");
-  }
+  EXPECT_EQ(ErrorOf([] { RoundToInt16(32767.5); }), "Overflow");
   EXPECT_THROW(RoundToInt32(2147483648.0), RuntimeError);
   EXPECT_EQ(RoundToInt32(-2147483648.0), INT32_MIN);
 }
@@ -67,20 +73,9 @@ TEST(StrictToInt16, AcceptsOnlyAWholeNumber) {
   EXPECT_EQ(StrictToInt16(" 12 "), 12);
   EXPECT_EQ(StrictToInt16("1.5"), 2);
   EXPECT_EQ(StrictToInt16("&H10"), 16);
-  for (const char* bad : {"", "   ", "abc", "16abc", "1 2", "&H"}) {
-    try {
-      StrictToInt16(bad);
-      FAIL() << "accepted '" << bad << "'";
-    } catch (const RuntimeError& e) {
-      EXPECT_EQ(e.Description(), "Type mismatch") << bad;
-    }
-  }
-  try {
-    StrictToInt16("40000");
-    FAIL();
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.Description(), "Overflow");
-  }
+  for (const char* bad : {"", "   ", "abc", "16abc", "1 2", "&H"})
+    EXPECT_EQ(ErrorOf([&] { StrictToInt16(bad); }), "Type mismatch") << bad;
+  EXPECT_EQ(ErrorOf([] { StrictToInt16("40000"); }), "Overflow");
 }
 
 TEST(IsNumeric, FollowsTheDecimalSeparator) {

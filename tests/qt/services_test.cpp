@@ -20,11 +20,8 @@
 #include "gui_thread_post.h"
 #include "qt_prompts.h"
 #include "shut_down_dialog.h"
-#include "vantrel/control.h"
 #include "vantrel/qt/qt_timers.h"
 #include "vantrel/qt/settings_property_bag.h"
-#include "vantrel/qt/vantrel_widget.h"
-#include "vantrel/scripted_prompts.h"
 
 using namespace vantrel;
 using namespace vantrel::qt;
@@ -236,37 +233,6 @@ class ServicesTest : public QObject {
     // A written setting is removed again once it returns to its default.
     bag.WriteProperty("AutoExport", false, false);
     QVERIFY(!settings.contains("AutoExport"));
-  }
-
-  void aWidgetReadsAndSavesItsPropertiesInSettings() {
-    QSettings settings(settingsDir_.filePath(QStringLiteral("control.ini")), QSettings::IniFormat);
-    settings.beginGroup(QStringLiteral("Control"));
-    settings.setValue("Interval", "250");
-    settings.setValue("MaxRows", "1000");
-    settings.setValue("DateStampCol", "True");
-    ScriptedPrompts prompts;
-    VantrelWidget widget(prompts);
-    widget.ReadProperties(settings);
-    QCOMPARE(widget.control().Interval(), 250);
-    QCOMPARE(widget.control().MaxRows(), 1000);
-    QVERIFY(widget.control().DateStampCol());
-
-    widget.control().SetMaxGraph(50);
-    widget.control().SetMaxRows(500);
-    widget.WriteProperties(settings);
-    QCOMPARE(settings.value("MaxGraph").toString(), QStringLiteral("50"));
-    QVERIFY(!settings.contains("MaxRows"));
-  }
-
-  void aPropertyChangeIsSignalled() {
-    ScriptedPrompts prompts;
-    VantrelWidget widget(prompts);
-    QStringList changed;
-    connect(&widget, &VantrelWidget::PropertyChanged, this,
-            [&](const QString& name) { changed << name; });
-    widget.control().SetInterval(300);
-    widget.control().SetMaxGraph(30);
-    QCOMPARE(changed, (QStringList{"Interval", "MaxGraph"}));
   }
 
   void answersPostedFromAWorkerThreadRunOnTheGuiThread() {

@@ -122,7 +122,9 @@ class ViewerTest : public QObject {
     QCOMPARE(outcome.exitCode, std::optional<int>(2));
     QVERIFY(QString::fromStdString(outcome.message).contains(QStringLiteral("WIDTHxHEIGHT")));
     outcome = Parse({"--no-such-option"}, o);
-    QVERIFY(outcome.exitCode.value_or(0) != 0);
+    QCOMPARE(outcome.exitCode, std::optional<int>(2));
+    outcome = Parse({"--index-file", "3"}, o);
+    QCOMPARE(outcome.exitCode, std::optional<int>(2));
     outcome = Parse({"--help"}, o);
     QCOMPARE(outcome.exitCode, std::optional<int>(0));
     QVERIFY(QString::fromStdString(outcome.message).contains(QStringLiteral("--screenshot")));
