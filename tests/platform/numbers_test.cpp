@@ -3,20 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "platform/runtime_error.h"
+#include "support/runtime_errors.h"
 
 namespace vantrel {
 namespace {
 
-// The description of the error `f` throws.
-template <typename F>
-std::string ErrorOf(F f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.Description();
-  }
-  return "no error";
-}
+using testing::ErrorOf;
 
 TEST(Val, ReadsTheLongestNumericPrefix) {
   EXPECT_EQ(Val("16abc"), 16.0);

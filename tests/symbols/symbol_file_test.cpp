@@ -8,22 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/runtime_error.h"
+#include "support/runtime_errors.h"
 #include "support/temp_dir.h"
 
 namespace vantrel {
 namespace {
 
-// The number of the run-time error `act` throws, or 0.
-template <typename Act>
-int ErrorNumberOf(Act act) {
-  try {
-    act();
-  } catch (const RuntimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 struct SymbolFileTest : ::testing::Test {
   testing::TempDir dir;

@@ -9,23 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "platform/runtime_error.h"
+#include "support/runtime_errors.h"
 #include "support/temp_dir.h"
 #include "vantrel/scripted_prompts.h"
 
 namespace vantrel {
 namespace {
 
-// The number of the run-time error `act` throws, or 0.
-template <typename Act>
-int ErrorNumberOf(Act act) {
-  try {
-    act();
-  } catch (const RuntimeError& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 constexpr const char* kGate = "[Vantrel]\nKey=ABCD\n";
 
