@@ -81,9 +81,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ManualEventLoop loop;
   ScriptedPrompts prompts;
   hosts::RegisterSpace space;
-  hosts::TraceProgram program(space, hosts::PumpStationProgram(), loop.Clock());
+  // A small ring: wraps, overruns and whole-ring reloads come after a few records, and an
+  // input costs a few records' decoding rather than hundreds, so that many more are tried.
+  hosts::TraceProgramConfig config = hosts::PumpStationProgram();
+  config.ringRecords = 16;
+  hosts::TraceProgram program(space, config, loop.Clock());
   program.Install();
-  program.WriteRecords(in.Byte() % 60);
+  program.WriteRecords(in.Byte() % 40);
   FuzzHost host;
   Control control(host, {loop, loop.Clock(), prompts});
   host.control = &control;
@@ -125,7 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         loop.Advance(1 + in.Byte() % 50);
         break;
       case 5:
-        program.WriteRecords(in.Byte() % 120);
+        program.WriteRecords(in.Byte() % 40);
         break;
       case 6:
         if (op & 0x10) program.RestartCounter();
