@@ -85,19 +85,16 @@ void AppendIsoTime(std::string& out, const DateTime& t) {
     return;
   }
   // Once per row on the control's thread: without the formatting machinery of printf.
-  AppendDigits(out, t.year, 4);
-  out += '-';
-  AppendDigits(out, t.month, 2);
-  out += '-';
-  AppendDigits(out, t.day, 2);
-  out += ' ';
-  AppendDigits(out, t.hour, 2);
-  out += ':';
-  AppendDigits(out, t.minute, 2);
-  out += ':';
-  AppendDigits(out, t.second, 2);
-  out += '.';
-  AppendDigits(out, t.millisecond, 3);
+  const struct {
+    char before;
+    int value;
+    int width;
+  } parts[] = {{'\0', t.year, 4},  {'-', t.month, 2},  {'-', t.day, 2},        {' ', t.hour, 2},
+               {':', t.minute, 2}, {':', t.second, 2}, {'.', t.millisecond, 3}};
+  for (const auto& part : parts) {
+    if (part.before != '\0') out += part.before;
+    AppendDigits(out, part.value, part.width);
+  }
 }
 
 constexpr const char* kKinds[] = {"record", "miss", "restart", "status"};
