@@ -137,6 +137,12 @@ class RecordDecoder {
     commentLine_.clear();
   }
 
+  // Whether the register at `offset` from the record's first lies within the block.
+  bool Holds(int64_t offset) const {
+    const int64_t index = static_cast<int64_t>(first_) + offset;
+    return index >= 0 && index < static_cast<int64_t>(registers_.size());
+  }
+
   void DecodeColumn(const ColumnDef& column) {
     comment_.clear();
     code_ = column.DisplayCode;
@@ -203,7 +209,7 @@ class RecordDecoder {
 
   int32_t Register(int64_t offset) {
     const int64_t index = static_cast<int64_t>(first_) + offset;
-    if (index < 0 || index >= static_cast<int64_t>(registers_.size())) {
+    if (!Holds(offset)) {
       // Past a symbol format the failed read is passed over: the last register read stays.
       if (resumeAfterErrors_) return lastRegister_;
       throw RuntimeError::SubscriptOutOfRange();
@@ -432,6 +438,15 @@ std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain)
   return text;
 }
 
+namespace {
+
+void ReportFailedRecord(Module& m, const RuntimeError& error) {
+  m.services.prompts.ShowMessage(error.Description(), "Vantrel", MessageIcon::Exclamation,
+                                 MessageButtons::Ok);
+}
+
+}  // namespace
+
 bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
   try {
     // Records of one poll share the clock's second: format the stamps only when it moves.
@@ -450,15 +465,24 @@ bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
     m.StampAt = now;
     RecordDecoder decoder(m, registers, first);
     const int highest = std::min<int>(m.description.ColumnCount, 127);
+    bool firstColumn = true;
     for (int number = 0; number <= highest; ++number) {
       const ColumnDef& column = m.description.Columns[static_cast<size_t>(number)];
-      if (column.Defined) decoder.DecodeColumn(column);
+      if (!column.Defined) continue;
+      // A short block after a counter area that claims a larger ring leaves thousands of
+      // records past its end. Each fails at its first column; that one is found without
+      // throwing, which would otherwise cost more than decoding a whole record.
+      if (firstColumn && !decoder.Holds(column.RegisterIndex)) {
+        ReportFailedRecord(m, RuntimeError::SubscriptOutOfRange());
+        return false;
+      }
+      firstColumn = false;
+      decoder.DecodeColumn(column);
     }
     decoder.Finish();
     return true;
   } catch (const RuntimeError& e) {
-    m.services.prompts.ShowMessage(e.Description(), "Vantrel", MessageIcon::Exclamation,
-                                   MessageButtons::Ok);
+    ReportFailedRecord(m, e);
     return false;
   }
 }

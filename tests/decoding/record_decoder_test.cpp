@@ -547,11 +547,31 @@ TEST(RecordFailures, ARegisterOutsideTheBlockEndsTheRecordWithoutARow) {
   EXPECT_EQ(f.m.grid.DataRowCount(), 0);
   EXPECT_TRUE(f.host.Named("OutputLine").empty());
   ASSERT_EQ(f.prompts.Messages().size(), 1u);
-  EXPECT_FALSE(f.prompts.Messages()[0].text.empty());
+  EXPECT_EQ(f.prompts.Messages()[0].text, "Subscript out of range");
+  EXPECT_EQ(f.prompts.Messages()[0].title, "Vantrel");
   // The next complete record decodes as usual.
   ASSERT_TRUE(f.Decode({1, 0, 0, 2}));
   EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 1", " 2"}));
   EXPECT_EQ(f.host.Named("OutputLine").size(), 1u);
+}
+
+TEST(RecordFailures, RecordsPastTheEndOfAShortBlockAreEachReportedAlike) {
+  DecoderFixture f;
+  f.Define(0, kWord, 0, 0, "A", "d");
+  f.Define(1, kWord, 1, 0, "B", "d");
+  const std::vector<int32_t> block = {7, 8, 9};  // one record of two, and a part of the next
+  ASSERT_TRUE(f.Decode(block, 0));
+  EXPECT_FALSE(f.Decode(block, 2));  // fails at its second column
+  EXPECT_FALSE(f.Decode(block, 4));  // starts past the end
+  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
+  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 7", " 8"}));
+  ASSERT_EQ(f.prompts.Messages().size(), 2u);
+  for (const auto& message : f.prompts.Messages()) {
+    EXPECT_EQ(message.text, "Subscript out of range");
+    EXPECT_EQ(message.title, "Vantrel");
+    EXPECT_EQ(message.icon, MessageIcon::Exclamation);
+    EXPECT_EQ(message.buttons, MessageButtons::Ok);
+  }
 }
 
 TEST(RecordFailures, AStringReachingBeyondTheBlockEndsTheRecord) {
