@@ -15,7 +15,7 @@ colSymbols* cSymbol::Add(std::string_view media, std::string name, std::string c
   symbol.SetName(std::move(name));
   symbol.SetComment(std::move(comment));
   symbol.SetAddr(addr);
-  return items_.Add(KeyOf(media, addr), std::move(symbol));
+  return KeyedCollection::Add(KeyOf(media, addr), std::move(symbol));
 }
 
 }  // namespace vantrel

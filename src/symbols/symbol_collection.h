@@ -28,7 +28,8 @@ class colSymbols {
   int16_t addr_ = 0;
 };
 
-class cSymbol {
+// Lookups, positions, removal and iteration are the keyed collection's own.
+class cSymbol : private KeyedCollection<colSymbols> {
  public:
   // The key of an address: media, one blank, the address in decimal.
   static std::string KeyOf(std::string_view media, int16_t addr);
@@ -37,26 +38,13 @@ class cSymbol {
   // address wins: when the key is taken nothing is stored and the result is nullptr.
   colSymbols* Add(std::string_view media, std::string name, std::string comment, int16_t addr);
 
-  // The symbol under `key`, or nullptr; never throws.
-  const colSymbols* Find(std::string_view key) const noexcept { return items_.Find(key); }
-
-  // By position (1 .. Count()) or key; a bad position or a missing key throws RuntimeError.
-  const colSymbols& Item(int32_t position) const { return items_.Item(position); }
-  colSymbols& Item(int32_t position) { return items_.Item(position); }
-  const colSymbols& Item(std::string_view key) const { return items_.Item(key); }
-  colSymbols& Item(std::string_view key) { return items_.Item(key); }
-  const std::string& KeyAt(int32_t position) const { return items_.KeyAt(position); }
-
-  int32_t Count() const noexcept { return items_.Count(); }
-  void Remove(int32_t position) { items_.Remove(position); }
-  void Remove(std::string_view key) { items_.Remove(key); }
-
-  // The symbols in the order they were added.
-  auto begin() const noexcept { return items_.begin(); }
-  auto end() const noexcept { return items_.end(); }
-
- private:
-  KeyedCollection<colSymbols> items_;
+  using KeyedCollection::begin;
+  using KeyedCollection::Count;
+  using KeyedCollection::end;
+  using KeyedCollection::Find;
+  using KeyedCollection::Item;
+  using KeyedCollection::KeyAt;
+  using KeyedCollection::Remove;
 };
 
 }  // namespace vantrel

@@ -15,13 +15,11 @@ std::string cValues::KeyOf(std::string_view appId, std::string_view section, int
 
 void cValues::Add(std::string_view appId, std::string_view section, int32_t value, std::string text,
                   std::string comment) {
-  std::string key = KeyOf(appId, section, value);
-  if (items_.Find(key) != nullptr) return;
   cValue item;
   item.SetValue(value);
   item.SetText(std::move(text));
   item.SetComment(std::move(comment));
-  items_.Add(key, std::move(item));
+  KeyedCollection::Add(KeyOf(appId, section, value), std::move(item));
 }
 
 }  // namespace vantrel

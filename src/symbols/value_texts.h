@@ -29,7 +29,8 @@ class cValue {
   std::string comment_;
 };
 
-class cValues {
+// Lookups, positions, removal and iteration are the keyed collection's own.
+class cValues : private KeyedCollection<cValue> {
  public:
   static std::string KeyOf(std::string_view appId, std::string_view section, int32_t value);
 
@@ -38,26 +39,13 @@ class cValues {
   void Add(std::string_view appId, std::string_view section, int32_t value, std::string text,
            std::string comment);
 
-  // The text under `key`, or nullptr; never throws.
-  const cValue* Find(std::string_view key) const noexcept { return items_.Find(key); }
-
-  // By position (1 .. Count()) or key; a bad position or a missing key throws RuntimeError.
-  const cValue& Item(int32_t position) const { return items_.Item(position); }
-  cValue& Item(int32_t position) { return items_.Item(position); }
-  const cValue& Item(std::string_view key) const { return items_.Item(key); }
-  cValue& Item(std::string_view key) { return items_.Item(key); }
-  const std::string& KeyAt(int32_t position) const { return items_.KeyAt(position); }
-
-  int32_t Count() const noexcept { return items_.Count(); }
-  void Remove(int32_t position) { items_.Remove(position); }
-  void Remove(std::string_view key) { items_.Remove(key); }
-
-  // The texts in the order they were added.
-  auto begin() const noexcept { return items_.begin(); }
-  auto end() const noexcept { return items_.end(); }
-
- private:
-  KeyedCollection<cValue> items_;
+  using KeyedCollection::begin;
+  using KeyedCollection::Count;
+  using KeyedCollection::end;
+  using KeyedCollection::Find;
+  using KeyedCollection::Item;
+  using KeyedCollection::KeyAt;
+  using KeyedCollection::Remove;
 };
 
 }  // namespace vantrel
