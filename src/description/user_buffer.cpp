@@ -11,21 +11,9 @@
 namespace vantrel {
 namespace {
 
-std::vector<std::string_view> SplitAtCommas(std::string_view line) {
-  std::vector<std::string_view> fields;
-  size_t start = 0;
-  for (;;) {
-    const size_t comma = line.find(',', start);
-    fields.push_back(line.substr(start, comma - start));
-    if (comma == std::string_view::npos) break;
-    start = comma + 1;
-  }
-  return fields;
-}
-
 // A column line; one that cannot be read leaves its column undefined.
 void ParseUserColumn(TraceDescription& d, int number, std::string_view line) {
-  const std::vector<std::string_view> f = SplitAtCommas(line);
+  const std::vector<std::string_view> f = SplitAt(line, ',');
   if (f.size() < 8 || number < 0 || number > 127) return;
   const int16_t type = FieldTypeOfWord(f[1]);
   if (type == 0) return;

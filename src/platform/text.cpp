@@ -31,6 +31,17 @@ std::string_view TrimBlanks(std::string_view text) {
   return TrimRightBlanks(TrimLeftBlanks(text));
 }
 
+std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
+  std::vector<std::string_view> fields;
+  size_t start = 0;
+  for (;;) {
+    const size_t end = text.find(separator, start);
+    fields.push_back(text.substr(start, end - start));
+    if (end == std::string_view::npos) return fields;
+    start = end + 1;
+  }
+}
+
 std::string Decimal(long long value) {
   return std::to_string(value);
 }

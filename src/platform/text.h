@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vantrel {
 
@@ -30,6 +31,10 @@ size_t IFind(std::string_view text, std::string_view needle);
 std::string_view TrimBlanks(std::string_view text);
 std::string_view TrimLeftBlanks(std::string_view text);
 std::string_view TrimRightBlanks(std::string_view text);
+
+// The fields between separators, empty ones included: "a,,b" gives "a", "", "b", and a text
+// without the separator is one field.
+std::vector<std::string_view> SplitAt(std::string_view text, char separator);
 
 // Decimal text of an integer, without padding.
 std::string Decimal(long long value);

@@ -13,18 +13,6 @@
 namespace vantrel {
 namespace {
 
-// Words between single blanks: two blanks in a row give an empty word.
-std::vector<std::string_view> SplitAtBlanks(std::string_view line) {
-  std::vector<std::string_view> words;
-  size_t start = 0;
-  for (;;) {
-    const size_t blank = line.find(' ', start);
-    words.push_back(line.substr(start, blank - start));
-    if (blank == std::string_view::npos) return words;
-    start = blank + 1;
-  }
-}
-
 bool IsMediaWord(std::string_view word) {
   for (const std::string_view media : {"F", "I", "O", "R", "T", "C", "DB"}) {
     if (IEquals(word, media)) return true;
@@ -35,7 +23,8 @@ bool IsMediaWord(std::string_view word) {
 // "<name> EQU <media> <address> ..." with the comment already cut off.
 void ReadDefinition(cSymbol& symbols, std::string_view prefix, std::string_view line,
                     std::string_view comment) {
-  const std::vector<std::string_view> words = SplitAtBlanks(line);
+  // Words between single blanks: two blanks in a row give an empty word.
+  const std::vector<std::string_view> words = SplitAt(line, ' ');
   if (words.size() < 2 || !IEquals(words[1], "EQU")) return;
   size_t i = 2;
   std::string_view media;
