@@ -255,12 +255,13 @@ std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std:
   std::string problem;
   sqlite3_busy_timeout(worker->db, 5000);
   // Larger pages and a larger cache than SQLite's defaults: rows come in long runs, so fewer
-  // and fuller pages are written per batch (the page size counts only for a new file).
+  // and fuller pages are written per batch (the page size counts only for a new file). The
+  // journal mode is kept in the file, so it is set only once the file is known to be ours.
   if (!Execute(worker->db, "PRAGMA page_size=16384", problem) ||
-      !Execute(worker->db, "PRAGMA journal_mode=WAL", problem) ||
       !Execute(worker->db, "PRAGMA synchronous=NORMAL", problem) ||
       !Execute(worker->db, "PRAGMA cache_size=-16384", problem) ||
-      !PrepareSchema(worker->db, problem)) {
+      !PrepareSchema(worker->db, problem) ||
+      !Execute(worker->db, "PRAGMA journal_mode=WAL", problem)) {
     error = "cannot use " + path + " as a history: " + problem;
     return nullptr;
   }
