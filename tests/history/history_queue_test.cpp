@@ -67,17 +67,6 @@ TEST(HistoryQueue, AFlushReturnsOnlyWhenEveryItemIsWrittenOrItsLossReported) {
   writer.join();
 }
 
-TEST(HistoryQueue, AFlushWithATimeLimitGivesUpOnAWriterThatDoesNotAnswer) {
-  HistoryQueue queue;
-  queue.Push(Row(1));
-  EXPECT_FALSE(queue.Flush(milliseconds(20)));
-  std::deque<HistoryItem> batch;
-  EXPECT_FALSE(queue.Take(batch, milliseconds(0)));
-  ASSERT_EQ(batch.size(), 1U);
-  queue.Done(1);
-  EXPECT_TRUE(queue.Flush(milliseconds(20)));
-}
-
 TEST(HistoryQueue, AStopWakesAWaitingWriter) {
   HistoryQueue queue;
   std::thread stopper([&] {

@@ -1,5 +1,5 @@
-// The SQLite history: rows and descriptions written by the worker, read back with plain SQL
-// through the documented view; histories of other descriptions and foreign files.
+// The SQLite history: the scenarios every back end shares, a file that cannot be made, a
+// full disk, histories of the first schema, and the times the command line takes.
 
 #include "vantrel/history/sqlite_history.h"
 
@@ -12,159 +12,89 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "history/history_scenarios.h"
 #include "support/temp_dir.h"
+#include "vantrel/history/history_reader.h"
 
 namespace vantrel::history {
 namespace {
 
-HistoryDescription Pumps(int version) {
-  HistoryDescription d;
-  d.key = "PMP1";
-  d.title = "Pump station";
-  d.version = version;
-  d.columns = {{"Pump state", 0, "Byte", 1, "s"}, {"Level", 1, "Word", 0, "2d"}};
-  if (version > 1) d.columns.insert(d.columns.begin(), {"Flow", 2, "Word", 1, "h"});
-  return d;
-}
+// SQLite histories, each a file of its own in a fresh directory.
+struct SqliteBackend {
+  static constexpr const char* kTables =
+      "SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name";
+  static constexpr const char* kNotOurs = "not a Vantrel history (it has tables of its own";
 
-HistoryRow Record(int number, int second, std::vector<std::string> display,
-                  std::vector<std::optional<double>> numbers, std::vector<std::string> raw) {
-  HistoryRow row;
-  row.recordNumber = number;
-  row.pcTime = {2026, 11, 23, 9, 0, second, 250};
-  row.status = "Run";
-  row.display = std::move(display);
-  row.number = std::move(numbers);
-  row.raw = std::move(raw);
-  return row;
-}
-
-// Every result row of `sql`, its columns as "type:value" texts.
-std::vector<std::vector<std::string>> Query(const std::string& path, const std::string& sql) {
-  sqlite3* db = nullptr;
-  std::vector<std::vector<std::string>> rows;
-  if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) return rows;
-  sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(db, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK) {
-    while (sqlite3_step(statement) == SQLITE_ROW) {
-      std::vector<std::string> row;
-      for (int c = 0; c < sqlite3_column_count(statement); ++c) {
-        const char* types[] = {"", "integer", "real", "text", "blob", "null"};
-        const unsigned char* text = sqlite3_column_text(statement, c);
-        row.push_back(std::string(types[sqlite3_column_type(statement, c)]) + ":" +
-                      (text != nullptr ? reinterpret_cast<const char*>(text) : ""));
-      }
-      rows.push_back(std::move(row));
-    }
-  } else {
-    rows.push_back({std::string("error: ") + sqlite3_errmsg(db)});
+  void SetUp() {}
+  std::string NewTarget() { return dir.File("history" + std::to_string(++files) + ".db"); }
+  static std::unique_ptr<RowSink> Open(const std::string& path, std::string& error) {
+    return SqliteHistory::Open(path, error);
   }
-  sqlite3_finalize(statement);
-  sqlite3_close(db);
-  return rows;
-}
-
-using Rows = std::vector<std::vector<std::string>>;
-
-TEST(SqliteHistory, AColumnBetweenTwoTimesIsOnePlainQuery) {
-  testing::TempDir dir;
-  const std::string path = dir.File("trace.db");
-  std::string error;
-  {
-    auto history = SqliteHistory::Open(path, error);
-    ASSERT_TRUE(history) << error;
-    history->DescriptionLoaded(Pumps(1));
-    history->RowAdded(Record(1, 1, {"Running", " 12,50"}, {std::nullopt, 12.5}, {"2", "1250"}));
-    history->RowAdded(Record(2, 2, {"Caf\xE9 \"stop\"", "-3"}, {std::nullopt, -3.0}, {"3", "-3"}));
-    HistoryRow miss;
-    miss.kind = HistoryRowKind::Miss;
-    miss.recordNumber = 2;
-    miss.pcTime = {2026, 11, 23, 9, 0, 2, 250};
-    miss.status = "Miss 7";
-    miss.missed = 7;
-    history->RowAdded(miss);
-    history->RowAdded(Record(3, 4, {"Idle", " 0"}, {std::nullopt, 0.0}, {"1", "0"}));
-    history->Flush();
-    EXPECT_EQ(history->LastError(), "");
+  static std::unique_ptr<HistoryReader> OpenReader(const std::string& path, std::string& error) {
+    return HistoryReader::Open(path, error);
   }
-  EXPECT_EQ(
-      Query(path,
-            "SELECT pc_time, value FROM record_values WHERE buffer_key = 'PMP1' AND caption = "
-            "'Pump state' AND pc_time BETWEEN '2026-11-23 09:00:02' AND '2026-11-23 "
-            "09:00:05' ORDER BY pc_time"),
-      (Rows{{"text:2026-11-23 09:00:02.250", "text:Caf\xC3\xA9 \"stop\""},
-            {"text:2026-11-23 09:00:04.250", "text:Idle"}}));
-  // Numbers are numbers, raw values are kept, marker rows are rows of their own.
-  EXPECT_EQ(
-      Query(path,
-            "SELECT value, raw FROM record_values WHERE caption = 'Level' ORDER BY record_number"),
-      (Rows{{"real:12.5", "integer:1250"},
-            {"integer:-3", "integer:-3"},
-            {"integer:0", "integer:0"}}));
-  EXPECT_EQ(Query(path, "SELECT kind, missed, status FROM rows WHERE kind <> 'record'"),
-            (Rows{{"text:miss", "integer:7", "text:Miss 7"}}));
-}
-
-TEST(SqliteHistory, AChangedDescriptionKeepsTheRowsOfTheOldOne) {
-  testing::TempDir dir;
-  const std::string path = dir.File("trace.db");
-  std::string error;
-  for (int version : {1, 2}) {
-    // A second run opens the same file: the rows of the first stay as they were.
-    auto history = SqliteHistory::Open(path, error);
-    ASSERT_TRUE(history) << error;
-    history->DescriptionLoaded(Pumps(version));
-    if (version == 1) {
-      history->RowAdded(Record(1, 1, {"Running", " 5"}, {std::nullopt, 5.0}, {"2", "5"}));
-    } else {
-      history->RowAdded(Record(1, 9, {"01FF", "Idle", " 6"}, {std::nullopt, std::nullopt, 6.0},
-                               {"511", "1", "6"}));
-    }
-  }
-  EXPECT_EQ(Query(path, "SELECT version, count(*) FROM descriptions GROUP BY version"),
-            (Rows{{"integer:1", "integer:1"}, {"integer:2", "integer:1"}}));
-  EXPECT_EQ(Query(path, "SELECT value FROM record_values WHERE caption = 'Level' ORDER BY pc_time"),
-            (Rows{{"integer:5"}, {"integer:6"}}));
-  EXPECT_EQ(
-      Query(path, "SELECT value FROM record_values WHERE caption = 'Pump state' ORDER BY pc_time"),
-      (Rows{{"text:Running"}, {"text:Idle"}}));
-}
-
-TEST(SqliteHistory, FilesThatAreNotOursAreRefusedAndLeftAlone) {
-  testing::TempDir dir;
-  std::string error;
-  const std::string foreign = dir.File("foreign.db");
-  {
+  static Rows Query(const std::string& path, const std::string& sql) {
+    Rows rows;
     sqlite3* db = nullptr;
-    sqlite3_open(foreign.c_str(), &db);
-    sqlite3_exec(db, "CREATE TABLE plant (x); INSERT INTO plant VALUES (1)", nullptr, nullptr,
-                 nullptr);
+    char* message = nullptr;
+    sqlite3_open(path.c_str(), &db);
+    const auto add = [](void* into, int columns, char** values, char**) {
+      Rows& out = *static_cast<Rows*>(into);
+      out.emplace_back();
+      for (int c = 0; c < columns; ++c)
+        out.back().emplace_back(values[c] != nullptr ? values[c] : "NULL");
+      return 0;
+    };
+    if (sqlite3_exec(db, sql.c_str(), add, &rows, &message) != SQLITE_OK)
+      rows.push_back(
+          {std::string("error: ") + (message != nullptr ? message : sqlite3_errmsg(db))});
+    sqlite3_free(message);
     sqlite3_close(db);
+    return rows;
   }
-  EXPECT_FALSE(SqliteHistory::Open(foreign, error));
-  EXPECT_NE(error.find("not a Vantrel history"), std::string::npos) << error;
-  EXPECT_EQ(Query(foreign, "SELECT count(*) FROM sqlite_schema"), (Rows{{"integer:1"}}));
 
-  const std::string newer = dir.File("newer.db");
-  {
-    auto history = SqliteHistory::Open(newer, error);
-    ASSERT_TRUE(history) << error;
-  }
-  {
-    sqlite3* db = nullptr;
-    sqlite3_open(newer.c_str(), &db);
-    sqlite3_exec(db, "UPDATE vantrel_schema SET version = 99", nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-  }
-  EXPECT_FALSE(SqliteHistory::Open(newer, error));
-  EXPECT_NE(error.find("schema version 99 is newer"), std::string::npos) << error;
+  testing::TempDir dir;
+  int files = 0;
+};
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Sqlite, HistoryBackend, ::testing::Types<SqliteBackend>);
+
+TEST(SqliteHistory, AFileThatCannotBeMadeIsRefused) {
+  testing::TempDir dir;
+  std::string error;
   EXPECT_FALSE(SqliteHistory::Open(dir.File("no-such-folder/trace.db"), error));
   EXPECT_NE(error.find("cannot open the history"), std::string::npos) << error;
+}
+
+// Refusing a file must not change a byte of it, not even the journal mode kept in its header.
+TEST(SqliteHistory, ARefusedFileIsLeftByteForByte) {
+  SqliteBackend backend;
+  const auto bytes = [](const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  };
+  const std::string foreign = backend.NewTarget();
+  SqliteBackend::Query(foreign, "CREATE TABLE rows (a integer)");
+  const std::string newer = backend.NewTarget();
+  std::string error;
+  ASSERT_TRUE(SqliteHistory::Open(newer, error)) << error;
+  // A history of ours is written ahead, so that a reader can read while rows come in.
+  EXPECT_EQ(SqliteBackend::Query(newer, "PRAGMA journal_mode"), (Rows{{"wal"}}));
+  SqliteBackend::Query(newer, "PRAGMA journal_mode=DELETE; UPDATE vantrel_schema SET version = 99");
+  for (const std::string& path : {foreign, newer}) {
+    SCOPED_TRACE(path);
+    const std::string before = bytes(path);
+    ASSERT_FALSE(before.empty());
+    EXPECT_FALSE(SqliteHistory::Open(path, error));
+    EXPECT_TRUE(bytes(path) == before) << "the refused file was changed";
+    EXPECT_EQ(SqliteBackend::Query(path, "PRAGMA journal_mode"), (Rows{{"delete"}}));
+  }
 }
 
 // A full disk, played by a file size limit: the rows that cannot be written are counted and
@@ -182,7 +112,7 @@ TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereI
     reportedLost += rows;
     report = text;
   });
-  history->DescriptionLoaded(Pumps(1));
+  history->DescriptionLoaded(Pumps());
   history->Flush();
 
   rlimit before{};
@@ -194,9 +124,7 @@ TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereI
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
   constexpr int kWhileFull = 4000;
   for (int n = 1; n <= kWhileFull; ++n) {
-    history->RowAdded(Record(n, n % 60, {"Running", std::to_string(n)},
-                             {std::nullopt, static_cast<double>(n)},
-                             {"2", std::to_string(n * 1000)}));
+    history->RowAdded(Record(n));
     if (n % 100 == 0) history->Flush();
   }
   history->Flush();
@@ -208,13 +136,13 @@ TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereI
       << history->LastError();
   EXPECT_NE(report.find("history rows lost"), std::string::npos) << report;
   for (int n = kWhileFull + 1; n <= kWhileFull + 100; ++n)
-    history->RowAdded(Record(n, n % 60, {"Idle", "0"}, {std::nullopt, 0.0}, {"1", "0"}));
+    history->RowAdded(Record(n, "Idle"));
   history->Flush();
   history.reset();
 
   std::vector<int> stored;
-  for (const auto& row : Query(path, "SELECT record_number FROM rows ORDER BY id"))
-    stored.push_back(std::stoi(row.at(0).substr(row.at(0).find(':') + 1)));
+  for (const auto& row : SqliteBackend::Query(path, "SELECT record_number FROM rows ORDER BY id"))
+    stored.push_back(std::stoi(row.at(0)));
   const auto whileFull = static_cast<int64_t>(
       std::count_if(stored.begin(), stored.end(), [](int n) { return n <= kWhileFull; }));
   EXPECT_GT(reportedLost, 0);
@@ -225,6 +153,67 @@ TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereI
   ASSERT_GE(stored.size(), 100u);
   EXPECT_EQ(stored.back(), kWhileFull + 100);
   EXPECT_EQ(stored[stored.size() - 100], kWhileFull + 1);
+}
+
+// A history of the first schema is brought up to date when it is opened for writing; its old
+// rows come back with their cells as stored, its columns without a width.
+TEST(SqliteHistory, AFirstSchemaHistoryIsUpgradedAndReadable) {
+  testing::TempDir dir;
+  const std::string path = dir.File("v1.db");
+  ASSERT_EQ(SqliteBackend::Query(path, R"sql(
+    CREATE TABLE vantrel_schema (version INTEGER NOT NULL);
+    INSERT INTO vantrel_schema VALUES (1);
+    CREATE TABLE descriptions (id INTEGER PRIMARY KEY, buffer_key TEXT NOT NULL,
+      title TEXT NOT NULL, version INTEGER NOT NULL, loaded_at TEXT NOT NULL);
+    CREATE TABLE description_columns (description_id INTEGER NOT NULL, column_index INTEGER
+      NOT NULL, caption TEXT NOT NULL, register INTEGER NOT NULL, type TEXT NOT NULL,
+      position INTEGER NOT NULL, display_code TEXT NOT NULL,
+      PRIMARY KEY (description_id, column_index));
+    CREATE TABLE rows (id INTEGER PRIMARY KEY, description_id INTEGER, kind TEXT NOT NULL,
+      record_number INTEGER NOT NULL, pc_time TEXT NOT NULL, status TEXT NOT NULL,
+      missed INTEGER, display TEXT, raw TEXT);
+    INSERT INTO descriptions VALUES (1, 'PMP1', 'Old', 2, '2026-11-20 08:00:00.000');
+    INSERT INTO description_columns VALUES (1, 0, 'Level', 0, 'Word', 0, 'd');
+    INSERT INTO description_columns VALUES (1, 1, 'Name', 1, 'Long', 0, 'a');
+    INSERT INTO rows VALUES (1, 1, 'record', 7, '2026-11-20 08:00:01.000', 'Run', NULL,
+      '[12,"abc"]', '[12,1633837824]');
+  )sql"),
+            Rows{});
+  const auto readBack = [&path] {
+    std::string error;
+    const auto reader = HistoryReader::Open(path, error);
+    return reader ? ReadBack(*reader) : error;
+  };
+  const std::string old =
+      "PMP1 Old v2: Level(0 Word 0 d 0) Name(1 Long 0 a 0)\n"
+      "record 7 2026-11-20 08:00:01.000 Run [12\tabc]\n";
+  EXPECT_EQ(readBack(), old);
+
+  std::string error;
+  {
+    auto history = SqliteHistory::Open(path, error);
+    ASSERT_TRUE(history) << error;
+    history->DescriptionLoaded(Pumps());
+    history->RowAdded(Record(9));
+    history->Flush();
+    EXPECT_EQ(history->LastError(), "");
+  }
+  EXPECT_EQ(readBack(), old +
+                            "PMP1 Pump station v3: Pump state(0 Byte 1 s 900) Level(1 Word 0 2d "
+                            "1200)\nrecord 9 2026-11-23 09:00:09.250 Run [Running\t9.5]\n");
+}
+
+TEST(HistoryTimes, TheFormsTheCommandLineTakes) {
+  EXPECT_EQ(HistoryTime("2026-11-23", false), "2026-11-23 00:00:00.000");
+  EXPECT_EQ(HistoryTime("2026-11-23", true), "2026-11-23 23:59:59.999");
+  EXPECT_EQ(HistoryTime("2026-11-23 08:15", true), "2026-11-23 08:15:59.999");
+  EXPECT_EQ(HistoryTime("2026-11-23T08:15:30", false), "2026-11-23 08:15:30.000");
+  EXPECT_EQ(HistoryTime("2026-11-23 08:15:30", true), "2026-11-23 08:15:30.999");
+  EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.250", true), "2026-11-23 08:15:30.250");
+  for (const char* bad : {"", "23/11/26", "2026-13-01", "2026-11-23 24:00", "2026-11-23 08",
+                          "2026-11-23x", "2026-11-23 08:15:30.5x", "2026-11-23 08:61"}) {
+    EXPECT_FALSE(HistoryTime(bad, false).has_value()) << bad;
+  }
 }
 
 }  // namespace
