@@ -71,28 +71,13 @@ TEST_F(ClientTest, ReadsTheTraceBufferAsTheControllerProgramWroteIt) {
   Serve();
   auto client = Client(server->Port());
   const TraceProgramConfig& config = program.Config();
-  client->ReadRegisters(config.startRegister, 1);
-  ASSERT_TRUE(Answers(1));
-  EXPECT_EQ(answers[0], space.ReadRegisters(config.startRegister, 1));
-  EXPECT_EQ(connection, std::vector<bool>{true});
-
   // Header and ring: 316 registers, six reads.
   const int32_t buffer = 16 + config.ringRecords * program.RecordLength();
   client->ReadRegisters(config.bufferStart, buffer);
-  ASSERT_TRUE(Answers(2));
-  EXPECT_EQ(answers[1], space.ReadRegisters(config.bufferStart, buffer));
-
-  // The counters move on; each answer is what the controller holds when it is read.
-  program.WriteRecords(3);
-  client->ReadRegisters(config.bufferStart + config.counterIndex, 4);
-  ASSERT_TRUE(Answers(3));
-  EXPECT_EQ(answers[2], space.ReadRegisters(config.bufferStart + config.counterIndex, 4));
-  EXPECT_EQ(answers[2][0], 76);
-  client->ReadDataBlock(7, 0, 2);
-  ASSERT_TRUE(Answers(4));
-  EXPECT_EQ(answers[3], (std::vector<int32_t>{111, -222}));
-  EXPECT_TRUE(errors.empty());
+  ASSERT_TRUE(Answers(1));
+  EXPECT_EQ(answers[0], space.ReadRegisters(config.bufferStart, buffer));
   EXPECT_EQ(connection, std::vector<bool>{true});
+  EXPECT_TRUE(errors.empty());
 }
 
 TEST_F(ClientTest, OnlyTheNewestRequestIsAnswered) {

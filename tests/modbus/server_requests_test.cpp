@@ -70,7 +70,6 @@ TEST_F(Replies, HoldingRegistersAreTheRegisterSpaceInTheMappedWordOrder) {
 
 TEST_F(Replies, WhatCannotBeServedGetsAnExceptionResponse) {
   EXPECT_EQ(Reply(ReadRequest(9, 20, 1, 2, 6)), Exception(6, kIllegalFunction));
-  EXPECT_EQ(Reply(ReadRequest(9, 20, 1, 2, 16)), Exception(16, kIllegalFunction));
   EXPECT_EQ(Reply(ReadRequest(9, 20, 0, 2)), Exception(3, kIllegalDataValue));
   EXPECT_EQ(Reply(ReadRequest(9, 20, 126, 2)), Exception(3, kIllegalDataValue));
   EXPECT_EQ(Reply(ReadRequest(9, 65500, 100, 2)), Exception(3, kIllegalDataAddress));
