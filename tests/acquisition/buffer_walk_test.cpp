@@ -57,15 +57,12 @@ TEST(BufferWalk, APollPlansTheNewRecordsFromTheirSlot) {
   };
   for (const Case c : {Case{"the slots written so far", true, 0, 0, 3, 3, 3, 0, -1},
                        Case{"a wrapped ring at the first poll", true, 0, 0, 25, 5, 10, 0, 4},
-                       Case{"nothing new", false, 20, 4, 20, 4, 0, 0, -1},
                        Case{"new records before the write slot", false, 20, 1, 23, 4, 3, 1, -1}}) {
     WalkFixture f;
     if (!c.firstPoll) f.Seen(c.seenCounter, c.seenWriteIndex, 10);
-    EXPECT_EQ(f.Poll(c.counter, c.writeIndex, 10), c.toRead > 0) << c.what;
+    EXPECT_TRUE(f.Poll(c.counter, c.writeIndex, 10)) << c.what;
     EXPECT_EQ(f.m.buffer.RecordsToRead, c.toRead) << c.what;
-    if (c.toRead > 0) {
-      EXPECT_EQ(f.Slot(), c.slot) << c.what;
-    }
+    EXPECT_EQ(f.Slot(), c.slot) << c.what;
     EXPECT_FALSE(f.m.walk.FirstRead) << c.what;
     if (c.lastIndex >= 0) {
       EXPECT_EQ(f.m.walk.LastIndex, c.lastIndex) << c.what;
@@ -93,6 +90,22 @@ TEST(BufferWalk, AnOverrunAddsAMissRowAndReloadsTheRing) {
   EXPECT_EQ(f.m.buffer.RecordsToRead, 10);
   EXPECT_EQ(f.Slot(), 0);
   EXPECT_EQ(f.Rows(), std::vector<std::string>{"Miss 11"});
+}
+
+// The slot being written is never read, so a ring of ten holds nine unread records: the
+// tenth new one means the oldest was overwritten.
+TEST(BufferWalk, NineNewRecordsInARingOfTenAreAllReadTheTenthIsAnOverrunOfOne) {
+  WalkFixture nine;
+  nine.Seen(20, 5, 10);
+  EXPECT_TRUE(nine.Poll(29, 4, 10));
+  EXPECT_EQ(nine.m.buffer.RecordsToRead, 5);
+  EXPECT_EQ(nine.Slot(), 5);
+  EXPECT_TRUE(nine.Rows().empty());
+  WalkFixture ten;
+  ten.Seen(20, 5, 10);
+  EXPECT_TRUE(ten.Poll(30, 5, 10));
+  EXPECT_EQ(ten.m.buffer.RecordsToRead, 10);
+  EXPECT_EQ(ten.Rows(), std::vector<std::string>{"Miss 1"});
 }
 
 TEST(BufferWalk, ACounterGoingBackwardsAddsARestartRowAndStartsOver) {

@@ -9,7 +9,6 @@ namespace {
 
 using testing::ControlFixture;
 using testing::Packed;
-using Answer = testing::RecordingHost::Answer;
 
 void Assign(Control& c, std::vector<int32_t> block) {
   c.SetDataBlock(block);
@@ -73,19 +72,6 @@ TEST(Intake, InfoButtonIsDisabledByEveryHeaderRead) {
   Assign(*f, {500});
   Assign(*f, Header("VTL2", "PMP1"));
   EXPECT_FALSE(f->GetSurface().infoButton.enabled);
-}
-
-TEST(Intake, HostThatAnswersInsideTheEventDrivesTheCycleToTheHeader) {
-  ControlFixture f;
-  f.host.answer = Answer::Inside;
-  f.host.image.registers[0] = 40;
-  f.host.image.registers[40] = Packed("VTL2");
-  f.host.image.registers[41] = Packed("TRC1");
-  f.host.image.registers[43] = 64;
-  f->Start();
-  f->SetRunMode(2);
-  EXPECT_EQ(f.host.Statuses(), (std::vector<int16_t>{0, 1, 2}));
-  EXPECT_EQ(f->HeaderKey(), "TRC1");
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 namespace vantrel {
 namespace {
 
-constexpr int16_t kWord = 4;
 constexpr int16_t kString = 6;
 
 ColumnDef Column(int16_t reg, int16_t type, int32_t width) {
@@ -15,20 +14,6 @@ ColumnDef Column(int16_t reg, int16_t type, int32_t width) {
   c.FieldType = type;
   c.Width = width;
   return c;
-}
-
-TEST(StringColumns, LongStringsShiftTheRegistersAfterThem) {
-  TraceDescription d;
-  d.RecordLength = 3;
-  d.Columns[1] = Column(0, kWord, 800);
-  d.Columns[2] = Column(1, kString, 10);  // 10 characters: 3 registers
-  d.Columns[3] = Column(2, kWord, 800);
-  ResolveStringColumns(d, {});
-  EXPECT_EQ(d.Columns[2].StringLength, 10);
-  EXPECT_EQ(d.Columns[2].ExtraRegisters, 2);
-  EXPECT_EQ(d.Columns[3].RegisterIndex, 4);
-  EXPECT_EQ(d.Columns[1].RegisterIndex, 0);
-  EXPECT_EQ(d.RecordLength, 5);
 }
 
 TEST(StringColumns, ShortWidthsTakeTheLengthFromTheHeaderTable) {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "output/output_steps.h"
@@ -43,7 +42,6 @@ TEST(Graph, WithoutSelectionEveryDataColumnIsSelectedAndDrawn) {
   EXPECT_EQ(f.m.grid.HeaderBackColor(5), kColorYellow);
   ASSERT_EQ(f.m.chart.SeriesCount(), 2);
   EXPECT_EQ(f.m.chart.Series(1).label, "Level");
-  EXPECT_EQ(f.m.chart.Series(1).lineWidth, 20);
   ASSERT_EQ(f.m.chart.PointCount(), 20);
   // Five rows fill points 1..5 from the left; the rest stay empty.
   EXPECT_EQ(f.m.chart.Value(1, 1), 10.0);
@@ -75,34 +73,27 @@ TEST(Graph, OnlySelectedColumnsBecomeSeries) {
 
 // The graph shows the newest MaxGraph rows. The label step follows MaxGraph: every point up
 // to 20, every 5th up to 100, every 10th up to 500, every 20th above; the step counts row
-// numbers, not point positions.
+// numbers, not point positions. (Fewer rows than points: see the test above.)
 TEST(Graph, NewestRowsWithLabelStepsThatFollowTheNumberOfPoints) {
   struct Case {
     int32_t maxGraph;
     int rows;
     int step;
   };
-  for (const Case c : {Case{20, 5, 1}, Case{20, 43, 1}, Case{100, 300, 5}, Case{101, 250, 10},
-                       Case{500, 700, 10}, Case{501, 700, 20}}) {
+  for (const Case c : {Case{20, 43, 1}, Case{100, 300, 5}, Case{101, 250, 10}, Case{500, 700, 10},
+                       Case{501, 700, 20}}) {
     GraphFixture f;
     f.m.props.MaxGraph = c.maxGraph;
     f.AddRows(c.rows);
     ClickGraphButton(f.m);
     ASSERT_EQ(f.m.chart.PointCount(), c.maxGraph);
-    const int start = std::max(c.rows - c.maxGraph, 0);  // row count - 1 - MaxGraph
-    int labelled = 0;
+    const int start = c.rows - c.maxGraph;
     for (int i = 1; i <= c.maxGraph; ++i) {
-      const bool hasRow = i <= c.rows;
-      const bool expected = hasRow && (start + i) % c.step == 0;
-      if (hasRow) {
-        EXPECT_EQ(f.m.chart.Value(1, i), (start + i) * 10.0) << "point " << i;
-      }
-      const std::string label = f.m.chart.PointLabel(i);
-      EXPECT_EQ(label, expected ? std::to_string(start + i) : "")
+      const int row = start + i;
+      EXPECT_EQ(f.m.chart.Value(1, i), row * 10.0) << "point " << i;
+      EXPECT_EQ(f.m.chart.PointLabel(i), row % c.step == 0 ? std::to_string(row) : "")
           << "MaxGraph " << c.maxGraph << ", point " << i;
-      labelled += expected ? 1 : 0;
     }
-    EXPECT_GT(labelled, 0);
   }
 }
 

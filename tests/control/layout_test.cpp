@@ -17,13 +17,10 @@ TEST(Layout, SixThousandByFourThousandTwips) {
   EXPECT_EQ(l.infoButtonTop, 3385);
 }
 
-TEST(Layout, ChartStartsAtTheTablesCornerWhateverTheSize) {
-  for (int32_t w : {500, 3000, 12000}) {
-    const ControlLayout l = LayoutControl(w, w / 2 + 2000, {200, 700});
-    EXPECT_EQ(l.chart.left, l.grid.left);
-    EXPECT_EQ(l.chart.top, l.grid.top);
-    EXPECT_EQ(l.grid.left, 200);
-  }
+TEST(Layout, TableAndChartStartAtTheGivenCorner) {
+  const ControlLayout l = LayoutControl(3000, 3500, {200, 700});
+  EXPECT_EQ(l.grid, (TwipsRect{200, 700, 2500, 2165}));
+  EXPECT_EQ(l.chart, (TwipsRect{200, 700, 2520, 2185}));
 }
 
 TEST(Layout, SizesBelowTheMarginsGiveZeroNotNegative) {

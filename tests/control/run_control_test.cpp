@@ -70,15 +70,6 @@ TEST(StatusLine, StartDoesNothingWhileDisabled) {
   EXPECT_EQ(f->ReadState(), 0);
 }
 
-TEST(StatusLine, ReadOnceShowsRuningThenRunModeTwoShowsRunning) {
-  PointerRead f;
-  f->SetRunMode(3);
-  EXPECT_EQ(f.host.Statuses(), std::vector<int16_t>{3});
-  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode runing");
-  f->SetRunMode(2);
-  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode running");
-}
-
 TEST(StatusLine, PauseAndStopTexts) {
   PointerRead f;
   f->SetRunMode(1);
@@ -101,14 +92,19 @@ TEST(RunMode, RunBeforeThePointerIsReadFallsBackToStop) {
   EXPECT_EQ(f->RunMode(), 0);
 }
 
+// Read once shows "runing", run mode 2 "running".
 TEST(RunMode, ReadOnceReadsTheCounterAreaOnceAndEndsPaused) {
   PointerRead f;
   f->SetRunMode(3);
+  EXPECT_EQ(f.host.Statuses(), std::vector<int16_t>{3});
+  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode runing");
   EXPECT_EQ(f.host.Named("ReadPCDReg"),
             (std::vector<RecordedEvent>{{"ReadPCDReg", {1004, 4}, ""}}));
   EXPECT_EQ(f->RunMode(), 1);
   f.loop.Advance(10'000);
   EXPECT_EQ(f.host.Named("ReadPCDReg").size(), 1u);
+  f->SetRunMode(2);
+  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode running");
 }
 
 TEST(RunMode, SettingTheCurrentValueDoesNothing) {

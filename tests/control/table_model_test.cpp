@@ -78,12 +78,6 @@ TEST(TableModel, RowsWithoutColumnsAndEmptyCellsKeepTheirShape) {
   EXPECT_EQ(Row(t, 1), (Cells{"", ""}));
   t.AddItem("\t\t");
   EXPECT_EQ(Row(t, 2), (Cells{"", ""}));
-  t.SetText(2, 1, "z");
-  t.SetColumnCount(1);
-  t.SetColumnCount(3);
-  EXPECT_EQ(Row(t, 2), (Cells{"", "", ""}));
-  t.SetText(2, 2, "w");
-  EXPECT_EQ(Row(t, 2), (Cells{"", "", "w"}));
 }
 
 TEST(TableModel, RemovingTheOldestRowKeepsTheOrderAndTellsObservers) {

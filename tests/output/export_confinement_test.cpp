@@ -42,7 +42,7 @@ struct Confined : FixedTrace {
 TEST(ExportConfinement, EveryNamingModeAndExportIndexStaysInTheConfiguredFolder) {
   for (const int16_t format : {int16_t{0}, int16_t{2}}) {
     for (const int16_t indexFile : {int16_t{0}, int16_t{1}, int16_t{2}}) {
-      for (const int32_t exportIndex : {INT32_MIN, -1, 0, 7, INT32_MAX}) {
+      for (const int32_t exportIndex : {INT32_MIN, 0, INT32_MAX}) {
         Confined t;
         t.m.buffer.ExportIndex = exportIndex;
         t.m.props.IndexFile = indexFile;
