@@ -58,9 +58,6 @@ TEST(ColumnKeys, TypesAndPositionLimits) {
     EXPECT_EQ(col.FieldType, c.type) << c.key;
     EXPECT_EQ(col.Position, c.position) << c.key;
     EXPECT_EQ(col.RegisterIndex, 5) << c.key;
-    EXPECT_EQ(col.Width, 777) << c.key;
-    EXPECT_EQ(col.Caption, "Alarm") << c.key;
-    EXPECT_EQ(col.DisplayCode, "b") << c.key;
     EXPECT_EQ(p.d.ColumnCount, 3) << c.key;
   }
 }

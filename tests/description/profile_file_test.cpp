@@ -89,11 +89,9 @@ TEST(ProfileSection, DoesNotFitFrom32765Characters) {
   EXPECT_EQ(ReadProfileSection(fits, "S").size(), 32763U);
   EXPECT_EQ(fits.ReadSectionLines("S").characters, 32764U);
 
-  for (size_t length : {32764U, 40000U}) {
-    const ProfileFile tooBig = section(length);
-    EXPECT_EQ(ReadProfileSection(tooBig, "S"), "") << length;
-    EXPECT_EQ(tooBig.ReadSectionLines("S").characters, kSectionDoesNotFit) << length;
-  }
+  const ProfileFile tooBig = section(32764);
+  EXPECT_EQ(ReadProfileSection(tooBig, "S"), "");
+  EXPECT_EQ(tooBig.ReadSectionLines("S").characters, kSectionDoesNotFit);
 
   // Counted over several lines the same way: 5 lines of 6552 characters plus terminators.
   std::string many = "[S]\n";

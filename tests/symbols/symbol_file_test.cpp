@@ -132,16 +132,6 @@ TEST_F(SymbolFileTest, NoFileLeavesTheCollectionEmpty) {
   EXPECT_EQ(kept.Count(), 1);
 }
 
-TEST(SymbolCollection, KeysAreMediaBlankAddressWithoutRegardToCaseAndTheFirstWins) {
-  cSymbol symbols;
-  ASSERT_NE(symbols.Add("R", "Motor1", " note", 100), nullptr);
-  EXPECT_EQ(symbols.Add("r", "Two", "", 100), nullptr);
-  EXPECT_EQ(symbols.Count(), 1);
-  EXPECT_EQ(symbols.Item("r 100").Name(), "Motor1");
-  symbols.Add("X", "Neg", "", -5);
-  EXPECT_EQ(symbols.KeyAt(2), "X -5");
-}
-
 TEST(SymbolCollection, PositionsCountFromOneAndBadOnesAreErrors) {
   cSymbol symbols;
   symbols.Add("R", "A", "", 1);
@@ -170,6 +160,7 @@ TEST(SymbolCollection, RemovalKeepsTheOrderOfTheRest) {
   // A removed key can be used again and comes last.
   symbols.Add("R", "Again", "", 2);
   EXPECT_EQ(symbols.Item(3).Name(), "Again");
+  EXPECT_EQ(symbols.KeyAt(3), "R 2");
   EXPECT_EQ(symbols.Item("R 2").Name(), "Again");
 }
 

@@ -9,14 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "support/runtime_errors.h"
 #include "support/temp_dir.h"
 #include "vantrel/scripted_prompts.h"
 
 namespace vantrel {
 namespace {
-
-using testing::ErrorNumberOf;
 
 constexpr const char* kGate = "[Vantrel]\nKey=ABCD\n";
 
@@ -180,36 +177,6 @@ TEST_F(ValueTextFileTest, SeveralFilesAddToOneCollection) {
   Read(std::string(kGate) + "[Application]\n1=Other pump\n[State]\n3=Stopped\n4=Idle\n");
   EXPECT_EQ(Keys(), (std::vector<std::string>{"1_Application_0", "1_State_3", "1_State_4"}));
   EXPECT_EQ(values.Item("1_State_3").Text(), "Running");
-}
-
-TEST(ValueTextCollection, KeysJoinApplicationSectionAndValueEvenWithoutApplication) {
-  EXPECT_EQ(cValues::KeyOf("", "Application", 0), "_Application_0");
-}
-
-TEST(ValueTextCollection, PositionsCountFromOneAndBadOnesAreErrors) {
-  cValues values;
-  values.Add("1", "S", 1, "One", "");
-  values.Add("1", "S", 2, "Two", "");
-  EXPECT_EQ(values.Item(1).Text(), "One");
-  EXPECT_EQ(values.Item(2).Text(), "Two");
-  EXPECT_EQ(ErrorNumberOf([&] { values.Item(0); }), 9);
-  EXPECT_EQ(ErrorNumberOf([&] { values.Remove("1_S_3"); }), 5);
-  EXPECT_EQ(values.Count(), 2);
-}
-
-TEST(ValueTextCollection, RemovalKeepsTheOrderOfTheRest) {
-  cValues values;
-  for (int32_t v = 1; v <= 4; ++v)
-    values.Add("1", "S", v, "T" + std::to_string(v), "");
-  values.Remove(1);
-  values.Remove("1_s_3");
-  std::vector<std::string> texts;
-  for (const cValue& item : values)
-    texts.push_back(item.Text());
-  EXPECT_EQ(texts, (std::vector<std::string>{"T2", "T4"}));
-  EXPECT_EQ(values.Item(2).Text(), "T4");
-  EXPECT_EQ(values.Item("1_S_4").Text(), "T4");
-  EXPECT_EQ(values.KeyAt(1), "1_S_2");
 }
 
 }  // namespace
