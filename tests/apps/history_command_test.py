@@ -65,7 +65,7 @@ with tempfile.TemporaryDirectory() as work:
     check(r.stdout.splitlines()[1:] == in_second,
           f"the range {iso} gives {len(r.stdout.splitlines()) - 1} rows, live {len(in_second)}")
 
-    # The exports of the first run's range equal the run's own exports byte for byte.
+    # The exports of each run's range equal the run's own exports byte for byte.
     con = sqlite3.connect(db)
     # The first run ends before the second begins: its last row's id bounds it.
     ids = [row[0] for row in con.execute("SELECT id FROM rows ORDER BY id")]
@@ -74,19 +74,13 @@ with tempfile.TemporaryDirectory() as work:
     t_first = con.execute("SELECT pc_time FROM rows WHERE id = ?", (ids[0],)).fetchone()[0]
     t_next = con.execute("SELECT pc_time FROM rows WHERE id = ?", (ids[run_rows],)).fetchone()[0]
     check(t_next > t_last, "the two runs do not overlap in time")
-    for fmt, ext in (("csv", "csv"),):
+    for fmt, ext, span in (("csv", "csv", ["--from", t_first, "--to", t_last]),
+                           ("biff2", "xls", ["--from", t_next])):
         back = os.path.join(work, f"back.{ext}")
-        r = run("history", db, "--from", t_first, "--to", t_last, *stamps, "--format", fmt,
-                "-o", back)
+        r = run("history", db, *span, *stamps, "--format", fmt, "-o", back)
         check(r.returncode == 0, f"history {fmt}: {r.stderr}")
         with open(os.path.join(work, f"live-{fmt}.{ext}"), "rb") as a, open(back, "rb") as b:
             check(a.read() == b.read(), f"the {fmt} export equals the live one")
-    t_first2 = t_next
-    back = os.path.join(work, "back.xls")
-    r = run("history", db, "--from", t_first2, *stamps, "--format", "biff2", "-o", back)
-    check(r.returncode == 0, f"history biff2: {r.stderr}")
-    with open(os.path.join(work, "live-biff2.xls"), "rb") as a, open(back, "rb") as b:
-        check(a.read() == b.read(), "the Excel 2.x export equals the live one")
 
     # --list counts what the runs wrote.
     r = run("history", db, "--list")

@@ -46,7 +46,9 @@ TEST(ProgramFile, TheBundledPumpStationIsTheBuiltInProgram) {
   EXPECT_EQ(c.counterIndex, built.counterIndex);
   EXPECT_EQ(file->recordIntervalMs, 100);
   // Same registers, same random seed: the same records, bit for bit.
-  EXPECT_EQ(Written(c, 60), Written(built, 60));
+  const auto records = Written(built, 60);
+  ASSERT_EQ(records.back().size(), built.registers.size());
+  EXPECT_EQ(Written(c, 60), records);
 }
 
 TEST(ProgramFile, EveryGeneratorAndProgramKey) {

@@ -215,7 +215,6 @@ TEST_P(NegativeCounter, RecordsAreFoundAsWithAPositiveOne) {
 const Stamps kStampChoices[] = {
     {false, false, false, "NoStamps"},
     {true, true, true, "DateTimeAndStatus"},
-    {false, true, false, "TimeOnly"},
 };
 auto StampName = [](const auto& info) { return info.param.name; };
 INSTANTIATE_TEST_SUITE_P(Stamps, ScriptedTrace, ::testing::ValuesIn(kStampChoices), StampName);

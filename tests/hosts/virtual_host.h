@@ -61,25 +61,18 @@ class VirtualHost : public ControlEvents {
   std::vector<std::string> lines;
   std::vector<std::string> errors;
   std::vector<int16_t> commands;  // PCDCmd raised
-  bool silent = false;            // requests go unanswered, as with a dropped connection
 
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
-  }
-  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
-    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
   }
   void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
     errors.push_back(std::to_string(ErrType) + ":" + std::string(ErrMessage));
   }
   void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
-  void Status(int16_t) override {}
   void PCDCmd(int16_t command) override { commands.push_back(command); }
-  void NewExportFile() override {}
 
  private:
   void Answer(std::vector<int32_t> block) {
-    if (silent) return;
     if (answering_ == Answering::Inside) {
       control->SetDataBlock(block);
     } else {
