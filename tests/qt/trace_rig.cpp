@@ -13,7 +13,6 @@ TraceRig::TraceRig() : program(space, hosts::PumpStationProgram(), clock), widge
   program.Install();
   QObject::connect(
       &widget, &qt::VantrelWidget::ReadPCDReg, &widget, [this](qint16 first, qint16 count) {
-        ++requests;
         const std::vector<int32_t> words = space.ReadRegisters(first, count);
         if (!answerLater) {
           widget.control().SetDataBlock(words);

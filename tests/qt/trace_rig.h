@@ -39,7 +39,6 @@ class TraceRig {
   qt::VantrelWidget widget;
   // Answer through the DataBlock slot on the next turn instead of inside the request.
   bool answerLater = false;
-  int requests = 0;
 };
 
 }  // namespace vantrel::testing
