@@ -29,7 +29,7 @@ import subprocess
 import sys
 import tempfile
 
-from check_reference import sessions as reference_sessions
+from check_reference import sessions
 
 README = "examples/walkthrough/README.md"
 STAMP = re.compile(r"\b\d\d/\d\d/\d\d \d\d:\d\d:\d\d\b")
@@ -43,10 +43,6 @@ def normalise(text):
     while lines and not lines[-1]:
         lines.pop()
     return lines
-
-
-def sessions(markdown):
-    return reference_sessions(markdown, normalise)
 
 
 def split_command(command):
@@ -104,7 +100,7 @@ def main():
             if not ((source / README).parent / link).is_file():
                 failures.append(f"{README}: the picture {link} does not exist")
 
-        found = sessions(markdown)
+        found = sessions(markdown, normalise)
         for number, command, expected in found:
             where = f"{README}:{number}"
             assignments, words = split_command(command)
