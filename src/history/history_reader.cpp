@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdio>
 #include <map>
 
@@ -152,12 +153,22 @@ std::optional<std::string> HistoryTime(const std::string& text, bool end) {
     if (std::sscanf(rest.c_str(), ":%2d%n", &second, &more) != 1) return std::nullopt;
     rest.erase(0, static_cast<size_t>(more));
     if (!rest.empty()) {
-      if (std::sscanf(rest.c_str(), ".%3d%n", &milli, &more) != 1) return std::nullopt;
-      rest.erase(0, static_cast<size_t>(more));
+      // A fraction of a second: ".5" is 500 milliseconds, ".05" is 50.
+      size_t digits = 1;
+      while (digits < rest.size() && digits <= 3 && rest[digits] >= '0' && rest[digits] <= '9')
+        ++digits;
+      if (rest[0] != '.' || digits == 1) return std::nullopt;
+      milli = std::stoi(rest.substr(1, digits - 1));
+      for (size_t d = digits; d <= 3; ++d)
+        milli *= 10;
+      rest.erase(0, digits);
     }
   }
-  if (!rest.empty() || month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 ||
-      second > 59 || hour < 0 || minute < 0 || second < 0 || milli < 0) {
+  const std::chrono::year_month_day date{std::chrono::year(year),
+                                         std::chrono::month(static_cast<unsigned>(month)),
+                                         std::chrono::day(static_cast<unsigned>(day))};
+  if (!rest.empty() || month < 1 || day < 1 || !date.ok() || hour > 23 || minute > 59 ||
+      second > 59 || hour < 0 || minute < 0 || second < 0) {
     return std::nullopt;
   }
   char out[96];  // room for any int, though the checks above keep every field short

@@ -110,7 +110,7 @@ TEST(MarkerRows, RestartFillsTheFirstDataColumnToo) {
             std::vector<std::string>{"15/11/26\tRestart\t" + d + "\t" + d + "\t" + d + "\t" + d});
 }
 
-TEST(ControllerStatus, CodesHaveTheirTextsAndSixHasNone) {
+TEST(ControllerStatus, CodesHaveTheirTextsAndSixOrUnknownAreBadStatus) {
   const char* texts[] = {"Offline", "Disconnect",      "Run",        "Stop",
                          "Halt",    "Conditional Run", "Bad Status", "Conditional Stop",
                          "Trace"};
