@@ -29,6 +29,7 @@
 #include "gui_thread_post.h"
 #include "settings_dialog.h"
 #include "vantrel/control.h"
+#include "vantrel/history/history_reader.h"
 #include "vantrel/manual_event_loop.h"
 #include "vantrel/scripted_prompts.h"
 #include "viewer_options.h"
@@ -235,19 +236,26 @@ class ViewerTest : public QObject {
     o.historyFile = dir.filePath(QStringLiteral("trace.db")).toStdString();
     o.exportFile = dir.filePath(QStringLiteral("trace.xlsx")).toStdString();
     o.exportFormat = "xlsx";
-    ViewerWindow window(o);
     std::string error;
-    QVERIFY2(window.Open(error), error.c_str());
-    const QAbstractItemModel* model = window.Widget().Table()->model();
-    QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
-    window.Widget().control().SetRunMode(0);
-    const int rows = window.Widget().control().Table().DataRowCount();
-    window.Widget().control().ClickExportButton();
-    // The workbook was written by the viewer's exporter: the table was emptied.
-    QCOMPARE(window.Widget().control().Table().DataRowCount(), 0);
-    QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
-    QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.db"))).exists());
-    QVERIFY(rows >= 5);
+    int rows = 0;
+    {
+      ViewerWindow window(o);
+      QVERIFY2(window.Open(error), error.c_str());
+      const QAbstractItemModel* model = window.Widget().Table()->model();
+      QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
+      window.Widget().control().SetRunMode(0);
+      rows = window.Widget().control().Table().DataRowCount();
+      window.Widget().control().ClickExportButton();
+      // The workbook was written by the viewer's exporter: the table was emptied.
+      QCOMPARE(window.Widget().control().Table().DataRowCount(), 0);
+      QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
+    }  // closing the window writes what the history still holds
+    // Every row the table showed is in the history, though the export emptied the table.
+    const auto history = vantrel::history::HistoryReader::Open(*o.historyFile, error);
+    QVERIFY2(history, error.c_str());
+    const auto buffers = history->Buffers(error);
+    QCOMPARE(buffers.size(), size_t{1});
+    QCOMPARE(buffers[0].rows, int64_t{rows});
 
     // A PostgreSQL URL is a server history, not a file of that name: a server that is not
     // there is refused before acquisition starts.
