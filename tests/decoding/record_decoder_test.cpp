@@ -110,6 +110,8 @@ TEST(DisplayCodes, Bits) {
                         {0, "d", 2, "0", "0"},
                         {5, "d", 0x1F, "0", "0"},
                         {30, "b", -1, "1", "1"},
+                        // A negative position (the loader only bounds it above) reads as set.
+                        {-2, "d", 0, "1", "1"},
                         // Any code but the lookups shows the digit.
                         {5, "x", 0x20, "1", "1"},
                         {5, "h", 0x60, "1", "1"},
