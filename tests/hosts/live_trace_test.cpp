@@ -1,10 +1,11 @@
 // A control reading the virtual controller end to end, the host answering either inside the
-// request event or on a later turn of the event loop: every record the program writes is
-// shown exactly once, in order. (Overruns, restarts and lost requests are in the scripted
-// walk and the fault soak.)
+// request event or on a later turn of the event loop, from registers or from a data block:
+// every record the program writes is shown exactly once, in order. (Overruns, restarts and
+// lost requests are in the scripted walk and the fault soak.)
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,26 @@ std::vector<std::string> Records(int first, int last) {
   return lines;
 }
 
-class LiveTrace : public ::testing::TestWithParam<Answering>, protected VirtualPlant {
+// How the host answers, and whether the buffer lies in registers or in a data block.
+struct Setup {
+  Answering answering;
+  bool dataBlock;
+  const char* name;
+};
+
+void PrintTo(const Setup& setup, std::ostream* os) {
+  *os << setup.name;
+}
+
+TraceProgramConfig Program(const Setup& setup) {
+  TraceProgramConfig c = NumberedRecords(kRing);
+  c.dataBlock = setup.dataBlock;
+  return c;
+}
+
+class LiveTrace : public ::testing::TestWithParam<Setup>, protected VirtualPlant {
  protected:
-  LiveTrace() : VirtualPlant(NumberedRecords(kRing), GetParam()) {
+  LiveTrace() : VirtualPlant(Program(GetParam()), GetParam().answering) {
     Connect(100, [](Control&) {});
   }
 };
@@ -44,10 +62,12 @@ TEST_P(LiveTrace, EveryRecordIsShownOnceAndInOrder) {
   EXPECT_EQ(control->Table().DataRowCount(), 36);
 }
 
-INSTANTIATE_TEST_SUITE_P(Answers, LiveTrace, ::testing::Values(Answering::Inside, Answering::Later),
-                         [](const auto& answers) {
-                           return answers.param == Answering::Inside ? "Inside" : "Later";
-                         });
+INSTANTIATE_TEST_SUITE_P(Answers, LiveTrace,
+                         ::testing::Values(Setup{Answering::Inside, false, "Inside"},
+                                           Setup{Answering::Later, false, "Later"},
+                                           Setup{Answering::Inside, true, "DataBlockInside"},
+                                           Setup{Answering::Later, true, "DataBlockLater"}),
+                         [](const auto& setup) { return std::string(setup.param.name); });
 
 }  // namespace
 }  // namespace vantrel::hosts

@@ -65,6 +65,9 @@ class VirtualHost : public ControlEvents {
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
   }
+  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
+    Answer(space_.ReadDataBlock(DBNumber, DBOffset, NumberToRead));
+  }
   void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
     errors.push_back(std::to_string(ErrType) + ":" + std::string(ErrMessage));
   }
