@@ -1,7 +1,8 @@
 // A control reading the virtual controller end to end, the host answering either inside the
-// request event or on a later turn of the event loop, from registers or from a data block:
-// every record the program writes is shown exactly once, in order. (Overruns, restarts and
-// lost requests are in the scripted walk and the fault soak.)
+// request event or on a later turn of the event loop, from registers or from a data block,
+// after an 8-word or a 16-word header: every record the program writes is shown exactly
+// once, in order. (Overruns, restarts and lost requests are in the scripted walk and the
+// fault soak.)
 
 #include <gtest/gtest.h>
 
@@ -26,10 +27,12 @@ std::vector<std::string> Records(int first, int last) {
   return lines;
 }
 
-// How the host answers, and whether the buffer lies in registers or in a data block.
+// How the host answers, whether the buffer lies in registers or in a data block, and its
+// format (an 8-word or a 16-word header).
 struct Setup {
   Answering answering;
   bool dataBlock;
+  const char* format;
   const char* name;
 };
 
@@ -40,6 +43,7 @@ void PrintTo(const Setup& setup, std::ostream* os) {
 TraceProgramConfig Program(const Setup& setup) {
   TraceProgramConfig c = NumberedRecords(kRing);
   c.dataBlock = setup.dataBlock;
+  c.format = setup.format;
   return c;
 }
 
@@ -63,10 +67,11 @@ TEST_P(LiveTrace, EveryRecordIsShownOnceAndInOrder) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Answers, LiveTrace,
-                         ::testing::Values(Setup{Answering::Inside, false, "Inside"},
-                                           Setup{Answering::Later, false, "Later"},
-                                           Setup{Answering::Inside, true, "DataBlockInside"},
-                                           Setup{Answering::Later, true, "DataBlockLater"}),
+                         ::testing::Values(Setup{Answering::Inside, false, "VTL2", "Inside"},
+                                           Setup{Answering::Later, false, "VTL2", "Later"},
+                                           Setup{Answering::Inside, true, "VTL2", "DataBlock"},
+                                           Setup{Answering::Later, true, "VTL2", "DataBlockLater"},
+                                           Setup{Answering::Later, false, "VTL1", "ShortHeader"}),
                          [](const auto& setup) { return std::string(setup.param.name); });
 
 }  // namespace
