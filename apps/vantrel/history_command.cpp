@@ -66,12 +66,12 @@ int History(const HistoryOptions& o) {
   std::string to;
   if (!o.from.empty()) {
     const auto time = history::HistoryTime(o.from, false);
-    if (!time) return Fail("--from '" + o.from + "' is not a time (YYYY-MM-DD[ hh:mm[:ss[.mmm]]])");
+    if (!time) return Fail("--from '" + o.from + "' is not a time (YYYY-MM-DD[ hh:mm[:ss[.fff]]])");
     from = *time;
   }
   if (!o.to.empty()) {
     const auto time = history::HistoryTime(o.to, true);
-    if (!time) return Fail("--to '" + o.to + "' is not a time (YYYY-MM-DD[ hh:mm[:ss[.mmm]]])");
+    if (!time) return Fail("--to '" + o.to + "' is not a time (YYYY-MM-DD[ hh:mm[:ss[.fff]]])");
     to = *time;
   }
 

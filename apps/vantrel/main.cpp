@@ -76,9 +76,9 @@ int main(int argc, char** argv) {
   historyCommand->add_option("--key", history.key,
                              "The buffer's key (needed when the history holds several)");
   historyCommand->add_option("--from", history.from,
-                             "First PC time of the range: YYYY-MM-DD[ hh:mm[:ss[.mmm]]]");
+                             "First PC time of the range: YYYY-MM-DD[ hh:mm[:ss[.fff]]]");
   historyCommand->add_option("--to", history.to,
-                             "Last PC time of the range, included: YYYY-MM-DD[ hh:mm[:ss[.mmm]]]");
+                             "Last PC time of the range, included: YYYY-MM-DD[ hh:mm[:ss[.fff]]]");
   historyCommand
       ->add_option("--format", history.format,
                    "text (the lines as `vantrel run` printed them), biff2 (Excel 2.x), xlsx or "

@@ -153,14 +153,17 @@ std::optional<std::string> HistoryTime(const std::string& text, bool end) {
     if (std::sscanf(rest.c_str(), ":%2d%n", &second, &more) != 1) return std::nullopt;
     rest.erase(0, static_cast<size_t>(more));
     if (!rest.empty()) {
-      // A fraction of a second: ".5" is 500 milliseconds, ".05" is 50.
+      // A fraction of a second: ".5" is 500 milliseconds, ".05" is 50; as an end it covers
+      // what its last digit covers (".5" runs to 599).
       size_t digits = 1;
       while (digits < rest.size() && digits <= 3 && rest[digits] >= '0' && rest[digits] <= '9')
         ++digits;
       if (rest[0] != '.' || digits == 1) return std::nullopt;
       milli = std::stoi(rest.substr(1, digits - 1));
+      int step = 1;
       for (size_t d = digits; d <= 3; ++d)
-        milli *= 10;
+        step *= 10;
+      milli = milli * step + (end ? step - 1 : 0);
       rest.erase(0, digits);
     }
   }

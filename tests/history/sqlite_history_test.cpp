@@ -211,7 +211,8 @@ TEST(HistoryTimes, TheFormsTheCommandLineTakes) {
   EXPECT_EQ(HistoryTime("2026-11-23 08:15:30", true), "2026-11-23 08:15:30.999");
   EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.250", true), "2026-11-23 08:15:30.250");
   EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.5", false), "2026-11-23 08:15:30.500");
-  EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.05", true), "2026-11-23 08:15:30.050");
+  EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.5", true), "2026-11-23 08:15:30.599");
+  EXPECT_EQ(HistoryTime("2026-11-23 08:15:30.05", true), "2026-11-23 08:15:30.059");
   EXPECT_EQ(HistoryTime("2028-02-29", false), "2028-02-29 00:00:00.000");
   for (const char* bad :
        {"", "23/11/26", "2026-13-01", "2026-11-23 24:00", "2026-11-23 08", "2026-11-23x",

@@ -47,8 +47,9 @@ class HistoryReader {
 };
 
 // A time as the command line takes it ("YYYY-MM-DD", "YYYY-MM-DD hh:mm", "YYYY-MM-DD
-// hh:mm:ss[.mmm]", a "T" in place of the blank) made into the history's form. `end` fills
-// what is left out with the last moment it covers; nullopt for a text that is not a time.
+// hh:mm:ss[.fff]" with one to three digits of a second, a "T" in place of the blank) made
+// into the history's form. `end` fills what is left out with the last moment it covers;
+// nullopt for a text that is not a time or a date that does not exist.
 std::optional<std::string> HistoryTime(const std::string& text, bool end);
 
 }  // namespace vantrel::history
