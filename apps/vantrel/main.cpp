@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "byte_size.h"
 #include "check_command.h"
 #include "controller_command.h"
 #include "crypt_command.h"
@@ -19,20 +18,6 @@ int main(int argc, char** argv) {
       app.add_subcommand("run", "Read a controller's trace and print each record as a row");
   vantrel::hosts::AddHostOptions(*runCommand, run);
   runCommand->add_flag("--export-on-exit", run.exportOnExit, "Export the table when stopping");
-  runCommand->add_option("--history-spool", run.history.spoolDirectory,
-                         "Where rows wait while the PostgreSQL server is away (default: the "
-                         "temporary directory)");
-  runCommand
-      ->add_option_function<std::string>(
-          "--history-spool-limit",
-          [&run](const std::string& text) {
-            const auto bytes = vantrel::cli::ParseByteSize(text);
-            if (!bytes || *bytes == 0) throw CLI::ValidationError("--history-spool-limit", text);
-            run.history.spoolLimitBytes = *bytes;
-          },
-          "The most the spool holds, in bytes, or with K, M or G (default 256M); rows beyond it "
-          "are lost and reported")
-      ->type_name("SIZE");
   runCommand->add_option("--records", run.records, "Stop after this many rows")
       ->check(CLI::NonNegativeNumber);
   runCommand->add_option("--duration", run.durationSeconds, "Stop after this many seconds")

@@ -13,6 +13,7 @@
 #include "event_log.h"
 #include "vantrel/control.h"
 #include "vantrel/encoding.h"
+#include "vantrel/history/record_history.h"
 #include "vantrel/hosts/embedded_controller.h"
 #include "vantrel/hosts/examples_directory.h"
 #include "vantrel/hosts/program_file.h"
@@ -229,8 +230,10 @@ int Run(const RunOptions& o) {
   std::unique_ptr<history::RecordHistory> recordHistory;
   if (!control.HistoryFile().empty()) {
     std::string error;
-    history::RecordHistorySettings settings = o.history;
+    history::RecordHistorySettings settings;
     settings.target = control.HistoryFile();
+    if (o.historySpool) settings.spoolDirectory = *o.historySpool;
+    if (o.historySpoolLimit) settings.spoolLimitBytes = *o.historySpoolLimit;
     settings.source = o.controller;
     settings.notice = [](std::string_view message) {
       std::fprintf(stderr, "vantrel run: %.*s\n", static_cast<int>(message.size()), message.data());

@@ -6,15 +6,13 @@
 #include <string>
 
 #include "host_options.h"
-#include "vantrel/history/record_history.h"
 
 namespace vantrel::cli {
 
 struct RunOptions : hosts::HostOptions {
   bool exportOnExit = false;
-  history::RecordHistorySettings history;  // the spool of a PostgreSQL history
-  int64_t records = 0;                     // stop after this many rows; 0 runs on
-  double durationSeconds = 0;              // stop after this long; 0 runs on
+  int64_t records = 0;         // stop after this many rows; 0 runs on
+  double durationSeconds = 0;  // stop after this long; 0 runs on
   std::string eventsFile;
   bool yes = false;
   std::optional<std::string> choose;

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "byte_size.h"
 #include "vantrel/control.h"
 
 namespace vantrel::hosts {
@@ -68,6 +69,20 @@ void AddHostOptions(CLI::App& command, HostOptions& o) {
   command.add_option("--history", o.historyFile,
                      "Keep every row in a record history: a SQLite file (created if "
                      "missing) or a PostgreSQL database (postgresql://...)");
+  command.add_option("--history-spool", o.historySpool,
+                     "Where rows wait while the PostgreSQL server is away (default: the "
+                     "temporary directory)");
+  command
+      .add_option_function<std::string>(
+          "--history-spool-limit",
+          [&o](const std::string& text) {
+            const auto bytes = ParseByteSize(text);
+            if (!bytes || *bytes == 0) throw CLI::ValidationError("--history-spool-limit", text);
+            o.historySpoolLimit = *bytes;
+          },
+          "The most the spool holds, in bytes, or with K, M or G (default 256M); rows beyond it "
+          "are lost and reported")
+      ->type_name("SIZE");
 }
 
 void ApplyControlOptions(Control& control, const HostOptions& o) {

@@ -54,6 +54,9 @@ struct HostOptions {
   bool autoExport = false;
   std::optional<std::string> exportFormat;  // biff2, xlsx or csv
   std::optional<std::string> historyFile;   // a SQLite file or a PostgreSQL URL
+  // Where the rows of a PostgreSQL history wait while its server is away, and how much.
+  std::optional<std::string> historySpool;
+  std::optional<uint64_t> historySpoolLimit;
 };
 
 void AddHostOptions(CLI::App& command, HostOptions& options);

@@ -183,6 +183,8 @@ bool ViewerWindow::OpenHistory(std::string& error) {
   history::RecordHistorySettings settings;
   settings.target = control.HistoryFile();
   settings.source = options_.controller;
+  if (options_.historySpool) settings.spoolDirectory = *options_.historySpool;
+  if (options_.historySpoolLimit) settings.spoolLimitBytes = *options_.historySpoolLimit;
   // Posted calls to a window that has gone are dropped with it.
   settings.post = PostToThreadOf(this);
   settings.notice = [this, post = settings.post](std::string_view message) {

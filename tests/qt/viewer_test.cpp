@@ -101,11 +101,11 @@ class ViewerTest : public QObject {
 
   void theCommandLineIsReadAsVantrelRunReadsIt() {
     ViewerOptions o;
-    const ParseOutcome outcome =
-        Parse({"--interval", "250", "--max-rows", "1000", "--date-col", "--index-file", "1",
-               "--screenshot", "out.png", "--after-records", "12", "--graph-columns",
-               "Level cm,Pressure"},
-              o);
+    const ParseOutcome outcome = Parse(
+        {"--interval", "250", "--max-rows", "1000", "--date-col", "--index-file", "1",
+         "--screenshot", "out.png", "--after-records", "12", "--graph-columns", "Level cm,Pressure",
+         "--history-spool", "/var/spool/vantrel", "--history-spool-limit", "64M"},
+        o);
     QVERIFY(!outcome.exitCode.has_value());
     QCOMPARE(o.controller, std::string("sim"));
     QCOMPARE(o.interval, std::optional<int32_t>(250));
@@ -115,6 +115,8 @@ class ViewerTest : public QObject {
     QCOMPARE(o.screenshot, std::string("out.png"));
     QCOMPARE(o.afterRecords, 12);
     QCOMPARE(o.graphColumns, (std::vector<std::string>{"Level cm", "Pressure"}));
+    QCOMPARE(o.historySpool, std::optional<std::string>("/var/spool/vantrel"));
+    QCOMPARE(o.historySpoolLimit, std::optional<uint64_t>(uint64_t{64} << 20));
   }
 
   void aWrongCommandLineEndsTheProgram() {
@@ -123,6 +125,8 @@ class ViewerTest : public QObject {
     QCOMPARE(outcome.exitCode, std::optional<int>(2));
     QVERIFY(QString::fromStdString(outcome.message).contains(QStringLiteral("WIDTHxHEIGHT")));
     outcome = Parse({"--index-file", "3"}, o);
+    QCOMPARE(outcome.exitCode, std::optional<int>(2));
+    outcome = Parse({"--history-spool-limit", "0"}, o);
     QCOMPARE(outcome.exitCode, std::optional<int>(2));
     outcome = Parse({"--help"}, o);
     QCOMPARE(outcome.exitCode, std::optional<int>(0));

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-namespace vantrel::cli {
+namespace vantrel::hosts {
 
 std::optional<uint64_t> ParseByteSize(std::string_view text) {
   uint64_t value = 0;
@@ -23,4 +23,4 @@ std::optional<uint64_t> ParseByteSize(std::string_view text) {
   return value << shift;
 }
 
-}  // namespace vantrel::cli
+}  // namespace vantrel::hosts

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string_view>
 
-namespace vantrel::cli {
+namespace vantrel::hosts {
 
 // "64M", "512K", "1G" or a number of bytes; nullopt for anything else.
 std::optional<uint64_t> ParseByteSize(std::string_view text);
 
-}  // namespace vantrel::cli
+}  // namespace vantrel::hosts
