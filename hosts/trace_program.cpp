@@ -108,7 +108,8 @@ void TraceProgram::WriteRecords(int64_t count) {
     for (size_t i = 0; i < values.size(); ++i) {
       SetWord(slotStart + static_cast<int32_t>(i), values[i]);
     }
-    history_.push_back(std::move(values));
+    inRing_.push_back(std::move(values));
+    if (inRing_.size() > static_cast<size_t>(std::max(config_.ringRecords, 1))) inRing_.pop_front();
     writeIndex_ = (writeIndex_ + 1) % std::max(config_.ringRecords, 1);
     counter_ = counter_ == INT32_MAX ? 0 : counter_ + 1;
   }
@@ -126,8 +127,9 @@ void TraceProgram::RestartCounter() {
 }
 
 std::vector<int32_t> TraceProgram::RecordValues(int64_t n) const {
-  if (n < 1 || n > static_cast<int64_t>(history_.size())) return {};
-  return history_[static_cast<size_t>(n - 1)];
+  const int64_t oldest = written_ - static_cast<int64_t>(inRing_.size()) + 1;
+  if (n < oldest || n > written_) return {};
+  return inRing_[static_cast<size_t>(n - oldest)];
 }
 
 }  // namespace vantrel::hosts

@@ -23,10 +23,11 @@ std::vector<std::vector<int32_t>> Written(const TraceProgramConfig& config, int 
   ManualClock clock;
   TraceProgram program(space, config, clock);
   program.Install();
-  program.WriteRecords(count);
   std::vector<std::vector<int32_t>> records;
-  for (int n = 1; n <= count; ++n)
+  for (int n = 1; n <= count; ++n) {
+    program.WriteRecords(1);
     records.push_back(program.RecordValues(n));
+  }
   return records;
 }
 

@@ -49,5 +49,18 @@ TEST(TraceProgram, APausedProgramWritesNothingUntilResumed) {
   EXPECT_EQ(p.space.Register(1004), 4);
 }
 
+// The program remembers what its ring holds and nothing older, so it can run for days.
+TEST(TraceProgram, OnlyTheRecordsTheRingHoldsAreRemembered) {
+  Installed p;
+  p.program.WriteRecords(10);
+  for (int64_t n = 7; n <= 10; ++n) {
+    const std::vector<int32_t> values = p.program.RecordValues(n);
+    ASSERT_EQ(values.size(), 2u) << n;
+    EXPECT_EQ(values[0], n);
+  }
+  EXPECT_TRUE(p.program.RecordValues(6).empty());
+  EXPECT_TRUE(p.program.RecordValues(11).empty());
+}
+
 }  // namespace
 }  // namespace vantrel::hosts

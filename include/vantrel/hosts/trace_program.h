@@ -5,6 +5,7 @@
 // holds comes from a generator. Faults can be forced: an overrun, a counter reset, a pause.
 
 #include <cstdint>
+#include <deque>
 #include <random>
 #include <string>
 #include <vector>
@@ -120,7 +121,8 @@ class TraceProgram {
   int64_t RecordsWritten() const { return written_; }
   int32_t Counter() const { return counter_; }
   int32_t WriteIndex() const { return writeIndex_; }
-  // The register values of the record numbered `n` as it was written.
+  // The register values of the record numbered `n` as it was written, while the ring still
+  // holds it (one of the last `ringRecords` written); empty for an older record.
   std::vector<int32_t> RecordValues(int64_t n) const;
 
  private:
@@ -135,7 +137,8 @@ class TraceProgram {
   int64_t written_ = 0;
   int32_t counter_ = 0;
   int32_t writeIndex_ = 0;
-  std::vector<std::vector<int32_t>> history_;
+  // The records the ring holds, oldest first: a program runs for days, so no more are kept.
+  std::deque<std::vector<int32_t>> inRing_;
 };
 
 }  // namespace vantrel::hosts
