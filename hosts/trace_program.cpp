@@ -97,6 +97,7 @@ void TraceProgram::WriteCounters() {
 void TraceProgram::WriteRecords(int64_t count) {
   if (paused_) return;
   const DateTime now = clock_.Now();
+  const int32_t ring = std::max(config_.ringRecords, 1);
   for (int64_t k = 0; k < count; ++k) {
     ++written_;
     std::vector<int32_t> values;
@@ -109,8 +110,8 @@ void TraceProgram::WriteRecords(int64_t count) {
       SetWord(slotStart + static_cast<int32_t>(i), values[i]);
     }
     inRing_.push_back(std::move(values));
-    if (inRing_.size() > static_cast<size_t>(std::max(config_.ringRecords, 1))) inRing_.pop_front();
-    writeIndex_ = (writeIndex_ + 1) % std::max(config_.ringRecords, 1);
+    if (inRing_.size() > static_cast<size_t>(ring)) inRing_.pop_front();
+    writeIndex_ = (writeIndex_ + 1) % ring;
     counter_ = counter_ == INT32_MAX ? 0 : counter_ + 1;
   }
   WriteCounters();
