@@ -78,13 +78,9 @@ struct StreamRig {
       RunFor(kBurstPeriodMs);
     vantrel::TableModel& table = widget.control().Table();
     if (table.DataRowCount() == 0) return false;
-    std::string row;
-    for (int c = 0; c < table.ColumnCount(); ++c) {
-      if (c > 0) row += '\t';
-      row += table.Text(table.RowCount() - 1, c);
-    }
+    const vantrel::TableRow newest = table.Row(table.RowCount() - 1);
     while (table.DataRowCount() < rows)
-      table.AddItem(row);
+      table.AddRow(newest);
     RunFor(200);
     return true;
   }

@@ -64,7 +64,7 @@ class FuzzHost : public ControlEvents {
     if (marker) ++markerRows;
     // A row shows the status column, then one cell per trace column (a status row before
     // any description is loaded still has the one empty cell after the status).
-    const int traceColumns = control->Table().ColumnCount() - 6;
+    const int traceColumns = control->Table().ColumnCount() - kFirstTraceColumn;
     if (!marker && cells != 1 + std::max(traceColumns, 1)) {
       std::fprintf(stderr, "row '%.*s' has %d cells for %d trace columns, state %d\n",
                    static_cast<int>(line.size()), line.data(), cells, traceColumns,

@@ -90,7 +90,7 @@ class RunHost : public ControlEvents {
 
  private:
   // The captions of the columns that the data lines carry: the stamp columns that are
-  // shown, then the trace columns (the grid's last two columns are never printed).
+  // shown, then the trace columns.
   void PrintHeader() {
     const TableModel& table = control->Table();
     std::string line;
@@ -101,7 +101,7 @@ class RunHost : public ControlEvents {
     if (control->DateStampCol()) add(1);
     if (control->TimeStampCol()) add(2);
     if (control->PCDStatusCol()) add(3);
-    for (int column = 4; column < table.ColumnCount() - 2; ++column)
+    for (int column = kFirstTraceColumn; column < table.ColumnCount(); ++column)
       add(column);
     std::printf("%s\n", Cp1252ToUtf8Line(line).c_str());
   }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "vantrel/clock.h"
+#include "vantrel/row_kind.h"
 
 namespace vantrel {
 
@@ -30,7 +31,7 @@ struct HistoryDescription {
   std::vector<HistoryColumn> columns;
 };
 
-enum class HistoryRowKind { Record, Miss, Restart, Status };
+using HistoryRowKind = RowKind;
 
 struct HistoryRow {
   HistoryRowKind kind = HistoryRowKind::Record;

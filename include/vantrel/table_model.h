@@ -1,8 +1,10 @@
 #pragma once
-// The record table as the core keeps it: a header row and data rows of text cells, per-column
-// width (twips), alignment and column data, header background colours, the top row to show
-// and a redraw flag. Views present it and follow its changes through TableObserver.
-// Appending at the bottom and removing the oldest row cost constant time.
+// The record table as the core keeps it: a header row of captions and data rows kept as
+// values (the record's cells with their typed values, or a marker or status row), per-column
+// width (twips), alignment and column data, the columns selected for the graph and the export
+// (shown as a yellow header), the top row to show and a redraw flag. Views present it and
+// follow its changes through TableObserver. Appending at the bottom and removing the oldest
+// row cost constant time.
 
 #include <cstdint>
 #include <deque>
@@ -11,7 +13,28 @@
 #include <string_view>
 #include <vector>
 
+#include "vantrel/clock.h"
+#include "vantrel/record_cells.h"
+#include "vantrel/row_kind.h"
+
 namespace vantrel {
+
+// The table's first columns; the trace columns follow from kFirstTraceColumn.
+inline constexpr int kRecordNumberColumn = 0;
+inline constexpr int kPcDateColumn = 1;
+inline constexpr int kPcTimeColumn = 2;
+inline constexpr int kStatusColumn = 3;
+inline constexpr int kFirstTraceColumn = 4;
+
+// One data row: its cells in table order (record number, PC date, PC time, controller
+// status, then one per trace column).
+struct TableRow {
+  RowKind kind = RowKind::Record;
+  int32_t recordNumber = 0;  // marker rows carry the last record's number
+  DateTime pcTime;
+  int64_t missed = 0;  // records lost, on a Miss row
+  CellRow cells;
+};
 
 class TableObserver {
  public:
@@ -45,6 +68,8 @@ class TableModel {
   // Cell text; an out-of-range cell throws RuntimeError (subscript out of range).
   std::string_view Text(int row, int column) const;
   void SetText(int row, int column, std::string_view text);
+  // Data row `row` (1 .. RowCount() - 1) as a value.
+  const TableRow& Row(int row) const;
 
   int32_t ColumnWidth(int column) const;
   void SetColumnWidth(int column, int32_t twips);
@@ -52,17 +77,20 @@ class TableModel {
   void SetColumnAlignment(int column, int16_t alignment);
   int32_t ColumnData(int column) const;
   void SetColumnData(int column, int32_t data);
-  // Background colour of the header cell of a column; 0 is the default colour.
+  // Whether the column is selected for the graph and the export.
+  bool Selected(int column) const;
+  void SetSelected(int column, bool selected);
+  // Background colour of the header cell of a column: yellow when selected, else 0 (the
+  // default colour).
   int32_t HeaderBackColor(int column) const;
-  void SetHeaderBackColor(int column, int32_t color);
 
+  // An empty row whose buffers may be reused (those of the last row removed from the top).
+  TableRow TakeSpareRow();
   // Appends a data row; cells beyond the column count are dropped, missing ones are empty.
-  void AddRow(std::span<const std::string> cells);
-  // Appends a row given as tab-separated text.
-  void AddItem(std::string_view tabSeparated);
+  void AddRow(TableRow row);
   // Removes data row `row` (>= 1). Removing row 1, the oldest, costs constant time.
   void RemoveRow(int row);
-  // Empties every cell text; rows, columns and their settings stay.
+  // Empties every cell text, the header's too; rows, columns and their settings stay.
   void ClearCells();
 
   int TopRow() const { return topRow_; }
@@ -85,35 +113,21 @@ class TableModel {
   void RemoveObserver(TableObserver* observer);
 
  private:
-  // One row's cells in one buffer: ends[i] is where cell i ends in text, and the next cell
-  // starts one byte further.
-  struct Row {
-    std::string text;
-    std::vector<uint32_t> ends;
-    size_t Begin(size_t i) const;
-    std::string_view Cell(size_t i) const;
-    void Resize(size_t cells);
-    void AppendCell(std::string_view value);
-    void Set(size_t i, std::string_view value);
-    void ClearCells();
-  };
   struct Column {
     int32_t width = 0;
     int16_t alignment = 0;
     int32_t data = 0;
-    int32_t headerBackColor = 0;
+    bool selected = false;
   };
 
-  Row TakeSpareRow();
-  const Row& RowAt(int row) const;
-  Row& RowAt(int row);
+  TableRow& DataRow(int row);
   void CheckColumn(int column) const;
   template <typename F>
   void Notify(F&& f);
 
-  Row header_;
-  std::deque<Row> rows_;
-  Row spare_;
+  std::vector<std::string> header_;
+  std::deque<TableRow> rows_;
+  TableRow spare_;
   std::vector<Column> columns_;
   int topRow_ = 1;
   bool redraw_ = true;

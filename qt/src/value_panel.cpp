@@ -3,8 +3,6 @@
 #include <QFontDatabase>
 #include <QFormLayout>
 #include <QLabel>
-#include <algorithm>
-#include <charconv>
 #include <string>
 
 #include "decoding/field_readers.h"
@@ -18,17 +16,6 @@ class IgnoredErrors final : public ErrorSink {
  public:
   void ReportError(std::string_view) override {}
 };
-
-std::string_view NthValue(std::string_view line, int n) {
-  size_t start = 0;
-  for (int i = 0; i < n; ++i) {
-    const size_t separator = line.find(';', start);
-    if (separator == std::string_view::npos) return {};
-    start = separator + 1;
-  }
-  const size_t end = line.find(';', start);
-  return line.substr(start, end == std::string_view::npos ? line.size() - start : end - start);
-}
 
 }  // namespace
 
@@ -45,30 +32,13 @@ RawValueTexts ConvertRawValue(int64_t value) {
   return texts;
 }
 
-std::optional<int64_t> RawValueOfCell(std::string_view rawLine, int dataColumn) {
-  if (dataColumn < 0 || rawLine.empty()) return std::nullopt;
-  const std::string_view text = NthValue(rawLine, dataColumn);
-  int64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
-    return std::nullopt;
-  }
-  return value;
-}
-
-bool RawLineAligned(std::string_view rawLine, int dataColumns) {
-  const auto values = std::count(rawLine.begin(), rawLine.end(), ';') + 1;
-  return values == dataColumns;
-}
-
 ValuePanel::ValuePanel(QWidget* parent)
     : QDialog(parent, Qt::Tool),
       cell_(new QLabel(this)),
       decimal_(new QLabel(this)),
       hexadecimal_(new QLabel(this)),
       binary_(new QLabel(this)),
-      characters_(new QLabel(this)),
-      note_(new QLabel(this)) {
+      characters_(new QLabel(this)) {
   setObjectName(QStringLiteral("frmValue"));
   setWindowTitle(tr("Value"));
   const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
@@ -77,18 +47,16 @@ ValuePanel::ValuePanel(QWidget* parent)
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   }
   cell_->setWordWrap(true);
-  note_->setWordWrap(true);
   auto* layout = new QFormLayout(this);
   layout->addRow(cell_);
   layout->addRow(tr("Decimal"), decimal_);
   layout->addRow(tr("Hexadecimal"), hexadecimal_);
   layout->addRow(tr("Binary"), binary_);
   layout->addRow(tr("Characters"), characters_);
-  layout->addRow(note_);
 }
 
 void ValuePanel::ShowCell(const QString& caption, const QString& record, const QString& text,
-                          std::optional<int64_t> raw, bool aligned) {
+                          std::optional<int64_t> raw) {
   cell_->setText(tr("%1, record %2: %3").arg(caption, record, text));
   RawValueTexts texts;
   if (raw) texts = ConvertRawValue(*raw);
@@ -96,10 +64,6 @@ void ValuePanel::ShowCell(const QString& caption, const QString& record, const Q
   hexadecimal_->setText(texts.hexadecimal);
   binary_->setText(texts.binary);
   characters_->setText(texts.characters);
-  note_->setText(aligned ? QString()
-                         : tr("This row holds string columns: the raw values after the "
-                              "first string column may belong to the column before."));
-  note_->setVisible(!aligned);
   adjustSize();
   show();
   raise();

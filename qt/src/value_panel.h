@@ -6,7 +6,6 @@
 #include <QDialog>
 #include <cstdint>
 #include <optional>
-#include <string_view>
 
 class QLabel;
 
@@ -21,15 +20,6 @@ struct RawValueTexts {
 
 RawValueTexts ConvertRawValue(int64_t value);
 
-// The raw value of data column `dataColumn` (0 for the first trace column) in a row's
-// raw-value line (values joined by ";"). Nothing when the line has no such value or it is
-// not a whole number. A string column adds one value before its own; the line then holds
-// more values than the row has data columns and the values after it are counted as they
-// stand (see `RawLineAligned`).
-std::optional<int64_t> RawValueOfCell(std::string_view rawLine, int dataColumn);
-// Whether the line holds exactly one value per data column.
-bool RawLineAligned(std::string_view rawLine, int dataColumns);
-
 class ValuePanel final : public QDialog {
   Q_OBJECT
 
@@ -37,16 +27,15 @@ class ValuePanel final : public QDialog {
   explicit ValuePanel(QWidget* parent = nullptr);
 
   // Shows the cell: its column caption, record number and text, and the conversions of its
-  // raw value (or why there is none).
+  // raw value (none on a marker or status row).
   void ShowCell(const QString& caption, const QString& record, const QString& text,
-                std::optional<int64_t> raw, bool aligned);
+                std::optional<int64_t> raw);
 
   QLabel* Decimal() const { return decimal_; }
   QLabel* Hexadecimal() const { return hexadecimal_; }
   QLabel* Binary() const { return binary_; }
   QLabel* Characters() const { return characters_; }
   QLabel* Cell() const { return cell_; }
-  QLabel* Note() const { return note_; }
 
  private:
   QLabel* cell_;
@@ -54,7 +43,6 @@ class ValuePanel final : public QDialog {
   QLabel* hexadecimal_;
   QLabel* binary_;
   QLabel* characters_;
-  QLabel* note_;
 };
 
 }  // namespace vantrel::qt

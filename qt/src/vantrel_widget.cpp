@@ -474,16 +474,19 @@ void VantrelWidget::OnCellDoubleClicked(int modelRow, int modelColumn) {
   Impl& p = *d_;
   const int column = RecordTableModel::TableColumn(modelColumn);
   p.control->DoubleClickTable(column);
-  // Data columns run from 4 to three before the end; the raw-value line is the second last.
+  // The trace columns follow the stamp columns; only a record row has raw values.
   const TableModel& table = p.control->Table();
   const int row = RecordTableModel::TableRow(modelRow);
-  const int columns = table.ColumnCount();
-  if (column < 4 || column > columns - 3 || row >= table.RowCount()) return;
-  const std::string_view rawLine = table.Text(row, columns - 2);
+  if (column < kFirstTraceColumn || column >= table.ColumnCount() || row < 1 ||
+      row >= table.RowCount()) {
+    return;
+  }
+  const vantrel::TableRow& shown = table.Row(row);
+  std::optional<int64_t> raw;
+  if (shown.kind == RowKind::Record) raw = shown.cells.Raw(static_cast<size_t>(column));
   if (p.valuePanel == nullptr) p.valuePanel = new ValuePanel(this);
   p.valuePanel->ShowCell(ToQString(table.Text(0, column)), ToQString(table.Text(row, 0)).trimmed(),
-                         ToQString(table.Text(row, column)), RawValueOfCell(rawLine, column - 4),
-                         RawLineAligned(rawLine, columns - 6));
+                         ToQString(table.Text(row, column)), raw);
 }
 
 }  // namespace vantrel::qt

@@ -71,7 +71,7 @@ bool ScreenshotDriver::SelectGraphColumns(QString& message) {
   const TableModel& table = control.Table();
   for (const QString& caption : request_.graphColumns) {
     int found = -1;
-    for (int column = 4; column <= table.ColumnCount() - 3; ++column) {
+    for (int column = kFirstTraceColumn; column < table.ColumnCount(); ++column) {
       if (qt::ToQString(table.Text(0, column)).compare(caption.trimmed(), Qt::CaseInsensitive) ==
           0) {
         found = column;
@@ -82,7 +82,7 @@ bool ScreenshotDriver::SelectGraphColumns(QString& message) {
       return false;
     }
     // A double-click on the column's header, as the user selects it.
-    if (table.HeaderBackColor(found) != kColorYellow) {
+    if (!table.Selected(found)) {
       control.PressTable(0);
       control.DoubleClickTable(found);
     }

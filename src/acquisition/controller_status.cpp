@@ -2,7 +2,6 @@
 
 #include "control/clear.h"
 #include "decoding/row_bookkeeping.h"
-#include "decoding/stamps.h"
 #include "output/output_steps.h"
 
 namespace vantrel {
@@ -64,23 +63,12 @@ void ChangePCDStatus(Module& m) {
   m.LastPCDStatus = status;
   m.PCDStatusText = PCDStatusTextOf(status);
   if (m.buffer.ReadState < kStateHeader) return;
-  const DateTime now = m.services.clock.Now();
-  m.StatusDate = FormatStatusDate(now);
-  m.StatusTime = FormatStatusTime(now);
-  m.StampAt = now;
-  std::string emptyFields;
+  SetRowStamp(m, m.services.clock.Now());
+  CellRow emptyCells;
   for (const ColumnDef& column : m.description.Columns) {
-    if (column.Defined) emptyFields += '\t';
+    if (column.Defined) emptyCells.Append({}, {}, 0, {}, {});
   }
-  // The row sinks are told that this row is a status change, not a record.
-  m.addingStatusRow = true;
-  try {
-    AddRecordRow(m, emptyFields, "", "");
-  } catch (...) {
-    m.addingStatusRow = false;
-    throw;
-  }
-  m.addingStatusRow = false;
+  AddRecordRow(m, emptyCells, RowKind::Status);
 }
 
 void CheckCommand(Module& m) {

@@ -5,7 +5,10 @@
 
 namespace vantrel {
 
-Control::Module::Module(ControlEvents& e, ControlServices s) : events(e), services(std::move(s)) {
+Control::Module::Module(ControlEvents& e, ControlServices s)
+    : events(e),
+      services(std::move(s)),
+      decoder({description, symbols, valueTexts, services.clock, decimalSeparator}) {
   readTimer = services.timers.CreateTimer();
   simulTimer = services.timers.CreateTimer();
   readTimer->SetInterval(props.Interval);

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "decoding/record_decoder.h"
 #include "description/trace_description.h"
 #include "output/excel_file.h"
 #include "symbols/symbol_collection.h"
@@ -63,20 +64,16 @@ struct PropertyFields {
   std::string HistoryFile;
 };
 
-// The PC date and time texts of the last decoded record, kept for the second they show.
-struct StampCache {
+// The PC date and time of the last decoded record or status change, as the rows show them.
+struct RowStamp {
   DateTime at;
-  std::string date;
-  std::string time;
+  // The second the texts show: records of one poll share it.
+  DateTime shown;
   bool valid = false;
-};
-
-// Text buffers the record decoder reuses from one record to the next.
-struct DecodeScratch {
-  std::string display, raw, comment, key;
-  std::vector<std::string> columnRaw;  // per trace column, only while row sinks listen
-  std::string displayLine, rawLine, commentLine;
-  std::string eventText, rowText;
+  std::string date;  // "dd/mm/yy"
+  std::string time;  // "hh:mm:ss"
+  CellReading dateReading;
+  CellReading timeReading;
 };
 
 // What the reading cycle knows of the buffer in the controller.
@@ -132,8 +129,12 @@ struct Control::Module {
   TraceDescription description;
   cSymbol symbols;
   cValues valueTexts;
-  // The application whose value texts the "f" columns show, set by "Application" columns.
-  int32_t CurrentAppId = 0;
+  // Decimal separator of decimal texts in the table.
+  char decimalSeparator = '.';
+  // What decoding carries from record to record (the current application).
+  DecodingContext decoding;
+  RecordDecoder decoder;
+  DecodedRecord decoded;
 
   int16_t ErrType = 0;
   std::string ErrMsg;
@@ -147,8 +148,6 @@ struct Control::Module {
   std::vector<std::pair<int, std::string>> GraphColumns;
   // Whether the last mouse press on the table hit its header row.
   bool pressOnHeader = false;
-  // Decimal separator of decimal texts in the table (and of numbers read back from it).
-  char decimalSeparator = '.';
   std::unique_ptr<Timer> readTimer;
   std::unique_ptr<Timer> simulTimer;
   std::vector<SurfaceObserver*> surfaceObservers;
@@ -163,16 +162,11 @@ struct Control::Module {
 
   int32_t LastPCDStatus = 0;
   std::string PCDStatusText;
-  // PC date and time of the last decoded record or status change, as shown in the rows.
-  std::string StatusDate;
-  std::string StatusTime;
-  // The PC date and time that StatusDate and StatusTime show, for the row sinks.
-  DateTime StampAt;
-  // Hosts' row sinks; the next row added is a status-change row while the flag is set.
+  RowStamp stamp;
+  // Hosts' row sinks.
   std::vector<RowSink*> rowSinks;
-  bool addingStatusRow = false;
-  StampCache recordStamps;
-  DecodeScratch decodeScratch;
+  // The OutputLine text of a record row, built in a buffer kept across rows.
+  std::string eventText;
   // Set while an export ordered by the controller's command word runs.
   bool CommandedExport = false;
   // The spreadsheet writer, created on the first export and kept.

@@ -7,5 +7,4 @@ target_sources(vantrel PRIVATE
   control/property_persistence.cpp
   control/resource_paths.cpp
   control/run_control.cpp
-  control/table_model.cpp
   control/trace_loading.cpp)

@@ -34,7 +34,7 @@ bool BuildGrid(Module& m) {
 
     grid.SetRowCount(1);
     grid.ClearCells();
-    grid.SetColumnCount(defined + 6);
+    grid.SetColumnCount(defined + kFirstTraceColumn);
     grid.SetRowCount(2);
     SetHeader(grid, 0, "", 500);
     SetHeader(grid, 1, "PC Date", m.props.DateStampCol ? kStampColumnWidth : 0);
@@ -50,8 +50,6 @@ bool BuildGrid(Module& m) {
       grid.SetText(0, gridColumn, column.Caption);
       ++gridColumn;
     }
-    grid.SetColumnWidth(grid.ColumnCount() - 2, 0);
-    grid.SetColumnWidth(grid.ColumnCount() - 1, 0);
     grid.SetRowCount(1);
     return true;
   } catch (const RuntimeError&) {
@@ -61,21 +59,21 @@ bool BuildGrid(Module& m) {
 
 SavedGridColumns SaveGridColumns(const TableModel& grid) {
   SavedGridColumns saved;
-  saved.count = std::min(grid.ColumnCount() - 3, 127);
+  saved.count = std::min(grid.ColumnCount() - 1, 127);
   for (int i = 1; i <= saved.count; ++i) {
     const int32_t width = grid.ColumnWidth(i);
     if (width > 32767 || width < -32768) throw RuntimeError::Overflow();
     saved.width[static_cast<size_t>(i)] = static_cast<int16_t>(width);
-    saved.selected[static_cast<size_t>(i)] = grid.HeaderBackColor(i) == kColorYellow;
+    saved.selected[static_cast<size_t>(i)] = grid.Selected(i);
   }
   return saved;
 }
 
 void RestoreGridColumns(TableModel& grid, const SavedGridColumns& saved) {
-  const int count = std::min(grid.ColumnCount() - 3, saved.count);
+  const int count = std::min(grid.ColumnCount() - 1, saved.count);
   for (int i = 1; i <= count; ++i) {
     grid.SetColumnWidth(i, saved.width[static_cast<size_t>(i)]);
-    if (saved.selected[static_cast<size_t>(i)]) grid.SetHeaderBackColor(i, kColorYellow);
+    if (saved.selected[static_cast<size_t>(i)]) grid.SetSelected(i, true);
   }
 }
 

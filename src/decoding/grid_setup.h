@@ -1,7 +1,7 @@
 #pragma once
 // The empty record table built from the trace description: record number, PC date, PC time,
-// controller status, one column per defined trace column, then the hidden raw-value and
-// comment columns. Also the title line and the information button.
+// controller status, then one column per defined trace column. Also the title line and the
+// information button.
 
 #include <array>
 #include <cstdint>

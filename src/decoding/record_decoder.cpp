@@ -3,9 +3,9 @@
 #include <charconv>
 #include <string_view>
 
+#include "decoding/cell_reading.h"
 #include "decoding/field_readers.h"
-#include "decoding/row_bookkeeping.h"
-#include "decoding/stamps.h"
+#include "platform/date_serial.h"
 #include "platform/runtime_error.h"
 #include "platform/text.h"
 
@@ -113,28 +113,23 @@ void AssignDecimal(std::string& out, int64_t value) {
   AppendDecimal(out, value);
 }
 
-// What decoding one record needs besides the module.
-class RecordDecoder {
+// One pass over one record: the columns in order, each leaving its cell in the record.
+class RecordPass {
  public:
-  RecordDecoder(Module& m, std::span<const int32_t> registers, size_t first)
-      : m_(m),
+  RecordPass(const DecodingTables& tables, std::span<const int32_t> registers, size_t first,
+             DecodingContext& context, DecodedRecord& out, std::string& display,
+             std::string& comment, std::string& key)
+      : tables_(tables),
         registers_(registers),
         first_(first),
-        sink_(m),
-        display_(m.decodeScratch.display),
-        raw_(m.decodeScratch.raw),
-        comment_(m.decodeScratch.comment),
-        key_(m.decodeScratch.key),
-        displayLine_(m.decodeScratch.displayLine),
-        rawLine_(m.decodeScratch.rawLine),
-        commentLine_(m.decodeScratch.commentLine) {
+        context_(context),
+        out_(out),
+        sink_(out.readerErrors),
+        display_(display),
+        comment_(comment),
+        key_(key) {
     // A record starts with nothing carried over from the previous one.
     display_.clear();
-    raw_.clear();
-    m.decodeScratch.columnRaw.clear();
-    displayLine_.clear();
-    rawLine_.clear();
-    commentLine_.clear();
   }
 
   // Whether the register at `offset` from the record's first lies within the block.
@@ -149,6 +144,8 @@ class RecordDecoder {
     last_ = code_.empty() ? '\0' : code_.back();
     signMarker_ = code_.find_first_of("sS") != std::string_view::npos;
     decimals_ = LeadingNumber(code_);
+    value_ = CellValue::Text();
+    decimalCell_ = false;
     try {
       const int32_t reg = Register(column.RegisterIndex);
       switch (column.FieldType) {
@@ -164,58 +161,55 @@ class RecordDecoder {
           DecodeLong(column, reg);
           break;
         case kStrg:
-          DecodeString(column, reg);
+          DecodeString(column);
           break;
         default:
+          // Nothing decoded: the cell shows what the previous column showed.
+          value_ = CellValue{};
           break;
       }
     } catch (const RuntimeError&) {
       // Past a symbol format the column keeps what it had and the record goes on.
-      if (!resumeAfterErrors_) throw;
+      if (!out_.passesOverFailures) throw;
+      decimalCell_ = false;
     }
-    if (!rawLine_.empty()) {
-      (rawLine_ += ';') += raw_;
-      (commentLine_ += ';') += comment_;
-    } else {
-      rawLine_ = raw_;
-      commentLine_ = comment_;
-    }
-    (displayLine_ += '\t') += display_;
-    if (!m_.rowSinks.empty()) {
-      // A string column's raw value is the last register it read.
-      m_.decodeScratch.columnRaw.push_back(column.FieldType == kStrg ? std::to_string(lastRegister_)
-                                                                     : raw_);
-    }
-  }
-
-  void Finish() {
-    try {
-      AddRecordRow(m_, displayLine_, rawLine_, commentLine_);
-    } catch (const RuntimeError&) {
-      if (!resumeAfterErrors_) throw;
-    }
+    const bool dateColumn = IsDateKind(ExportKindOfCode(code_));
+    const CellReading reading = decimalCell_
+                                    ? ReadDecimalCell(display_, value_.integer, value_.decimals,
+                                                      tables_.decimalSeparator, dateColumn)
+                                    : ReadCellText(display_, tables_.decimalSeparator, dateColumn);
+    // A string column's raw value is the last register it read.
+    out_.cells.Append(display_, comment_, column.FieldType == kStrg ? lastRegister_ : raw_, value_,
+                      reading);
   }
 
  private:
-  // Reports a field reader's trapped error to the host and goes on.
+  // Collects a field reader's trapped error for the caller to report.
   class ReaderErrors : public ErrorSink {
    public:
-    explicit ReaderErrors(Module& m) : m_(m) {}
-    void ReportError(std::string_view text) override { m_.RaiseError(kErrFieldReader, text); }
+    explicit ReaderErrors(std::vector<std::string>& errors) : errors_(errors) {}
+    void ReportError(std::string_view text) override { errors_.emplace_back(text); }
 
    private:
-    Module& m_;
+    std::vector<std::string>& errors_;
   };
 
   int32_t Register(int64_t offset) {
     const int64_t index = static_cast<int64_t>(first_) + offset;
     if (!Holds(offset)) {
       // Past a symbol format the failed read is passed over: the last register read stays.
-      if (resumeAfterErrors_) return lastRegister_;
+      if (out_.passesOverFailures) return lastRegister_;
       throw RuntimeError::SubscriptOutOfRange();
     }
     lastRegister_ = registers_[static_cast<size_t>(index)];
     return lastRegister_;
+  }
+
+  void SetDecimal(int64_t value, int decimals) {
+    AssignDecimalText(display_, value, decimals, tables_.decimalSeparator);
+    value_ = decimals > 0 ? CellValue::Decimal(value, static_cast<int16_t>(decimals))
+                          : CellValue::Integer(value);
+    decimalCell_ = true;
   }
 
   // The rendering shared by every field type for the value-list codes; false when the code
@@ -242,20 +236,21 @@ class RecordDecoder {
   void AssignValueText(const ColumnDef& column, int64_t value, bool plain) {
     // The key is built in a buffer kept across columns: this runs for most cells.
     key_.clear();
+    int32_t& application = context_.currentApplication;
     if (IEquals(column.Caption, "Application")) {
       if (value <= INT32_MAX && value >= INT32_MIN) {
-        m_.CurrentAppId = static_cast<int32_t>(value);
-      } else if (!resumeAfterErrors_) {
+        application = static_cast<int32_t>(value);
+      } else if (!out_.passesOverFailures) {
         throw RuntimeError::Overflow();
       }  // else the application stays as it was and the lookup goes on
-      AppendDecimal(key_, m_.CurrentAppId);
+      AppendDecimal(key_, application);
       key_ += "_Application_0";
     } else {
-      AppendDecimal(key_, m_.CurrentAppId);
+      AppendDecimal(key_, application);
       ((key_ += '_') += column.Caption) += '_';
       AppendDecimal(key_, value);
     }
-    if (const cValue* item = m_.valueTexts.Find(key_)) {
+    if (const cValue* item = tables_.valueTexts.Find(key_)) {
       comment_ = item->Comment();
       display_ = item->Text();
       return;
@@ -271,8 +266,12 @@ class RecordDecoder {
       if (position < 31) value %= int64_t{1} << (position + 1);
       bit = value > (int64_t{1} << std::min(position, 40)) - 1 ? 1 : 0;
     }
-    if (!LookupByCode(column, bit)) AssignDecimal(display_, bit);
-    AssignDecimal(raw_, bit);
+    if (!LookupByCode(column, bit)) {
+      AssignDecimal(display_, bit);
+      value_ = CellValue::Integer(bit);
+      decimalCell_ = true;
+    }
+    raw_ = bit;
   }
 
   void DecodePart(const ColumnDef& column, int32_t reg) {
@@ -295,7 +294,7 @@ class RecordDecoder {
       case 'd':
         if (signMarker_ && column.FieldType == kByte && part > 127) part -= 256;
         if (signMarker_ && column.FieldType == kWord && part > 32767) part -= 65536;
-        AssignDecimalText(display_, part, decimals_, m_.decimalSeparator);
+        SetDecimal(part, decimals_);
         break;
       case 'h':
         display_ = column.FieldType == kNible ? Hex(part)
@@ -321,13 +320,13 @@ class RecordDecoder {
         LookupByCode(column, part);
         break;
     }
-    AssignDecimal(raw_, part);
+    raw_ = part;
   }
 
   void DecodeSymbol(const ColumnDef& column, int32_t reg, int64_t working) {
     // From the first symbol format on, a failure no longer loses the record: the rest of
     // the record is decoded past it and the row is added.
-    resumeAfterErrors_ = true;
+    out_.passesOverFailures = true;
     try {
       if (code_ == "ga") {
         display_ = ReadMedia(working, sink_);
@@ -339,13 +338,13 @@ class RecordDecoder {
       } else if (code_ == "gs" || code_ == "gc") {
         const bool name = code_ == "gs";
         display_ = name ? "<Not found>" : "<No found>";
-        if (const colSymbols* symbol = m_.symbols.Find(ReadMedia(working, sink_))) {
+        if (const colSymbols* symbol = tables_.symbols.Find(ReadMedia(working, sink_))) {
           display_ = name ? symbol->Name() : symbol->Comment();
         }
       }
     } catch (const RuntimeError&) {
     }
-    AssignDecimal(raw_, reg);
+    raw_ = reg;
   }
 
   void DecodeLong(const ColumnDef& column, int32_t reg) {
@@ -354,20 +353,21 @@ class RecordDecoder {
       DecodeSymbol(column, reg, working);
       return;
     }
-    AssignDecimal(raw_, reg);
+    raw_ = reg;
     if (!code_.empty() && code_[0] == 't') {
-      display_ = FormatTimeValue(code_.substr(1), reg, m_.services.clock);
+      display_ = FormatTimeValue(code_.substr(1), reg, tables_.clock);
+      if (const auto serial = DateSerialFromText(display_)) value_ = CellValue::Timestamp(*serial);
       return;
     }
     const int64_t word0 = Read2Bytes(0, reg, sink_);
     const int64_t word1 = Read2Bytes(1, reg, sink_);
     switch (last_) {
       case 'd':
-        AssignDecimalText(display_, reg, decimals_, m_.decimalSeparator);
+        SetDecimal(reg, decimals_);
         break;
       case 'h':
         display_ = PadLeft(Hex(word1) + PadLeft(Hex(word0), 4), 8);
-        AssignDecimal(raw_, word1);
+        raw_ = word1;
         break;
       case 'a':
         display_ =
@@ -376,11 +376,11 @@ class RecordDecoder {
       case 'b':
         display_ = FormatBinary(static_cast<int32_t>(word1), 16) + " " +
                    FormatBinary(static_cast<int32_t>(word0), 16);
-        AssignDecimal(raw_, word0);
+        raw_ = word0;
         break;
       case 'p':
         display_ = FormatDialString(4, Hex(word1)) + FormatDialString(4, Hex(word0));
-        AssignDecimal(raw_, word0);
+        raw_ = word0;
         break;
       default:
         LookupByCode(column, working);
@@ -388,7 +388,7 @@ class RecordDecoder {
     }
   }
 
-  void DecodeString(const ColumnDef& column, int32_t reg) {
+  void DecodeString(const ColumnDef& column) {
     if (last_ == 'a') {
       std::string text;
       for (int i = 0; i <= column.ExtraRegisters; ++i) {
@@ -396,32 +396,29 @@ class RecordDecoder {
       }
       display_ = text.substr(0, static_cast<size_t>(std::max(column.StringLength, 0)));
     }
-    (void)reg;
-    // A string column adds the last register it read to the raw values, before its own field.
-    rawLine_ += ';';
-    AppendDecimal(rawLine_, lastRegister_);
   }
 
-  Module& m_;
+  const DecodingTables& tables_;
   std::span<const int32_t> registers_;
   size_t first_;
+  DecodingContext& context_;
+  DecodedRecord& out_;
   ReaderErrors sink_;
   std::string_view code_;
   char last_ = '\0';
   bool signMarker_ = false;
   int decimals_ = 0;
   int32_t lastRegister_ = 0;
-  // Set by the first symbol format of the record; errors after it are passed over.
-  bool resumeAfterErrors_ = false;
-  // Text buffers kept by the module across records, so that decoding allocates nothing once
-  // they have grown to a record's size.
+  // The column's raw value; a column that decodes nothing keeps the previous one's.
+  int64_t raw_ = 0;
+  CellValue value_;
+  // Whether display_ is the decimal rendering of value_.
+  bool decimalCell_ = false;
+  // Buffers kept by the decoder across records, so that decoding allocates nothing once they
+  // have grown to a record's size.
   std::string& display_;
-  std::string& raw_;
   std::string& comment_;
   std::string& key_;
-  std::string& displayLine_;
-  std::string& rawLine_;
-  std::string& commentLine_;
 };
 
 }  // namespace
@@ -438,51 +435,37 @@ std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain)
   return text;
 }
 
-namespace {
-
-void ReportFailedRecord(Module& m, const RuntimeError& error) {
-  m.services.prompts.ShowMessage(error.Description(), "Vantrel", MessageIcon::Exclamation,
-                                 MessageButtons::Ok);
-}
-
-}  // namespace
-
-bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
+bool RecordDecoder::Decode(std::span<const int32_t> registers, size_t first,
+                           DecodingContext& context, DecodedRecord& out) {
+  out.cells.Clear();
+  out.readerErrors.clear();
+  out.failed = false;
+  out.failureNumber = 0;
+  out.failureMessage.clear();
+  out.passesOverFailures = false;
+  const TraceDescription& description = tables_.description;
   try {
-    // Records of one poll share the clock's second: format the stamps only when it moves.
-    const DateTime now = m.services.clock.Now();
-    StampCache& cache = m.recordStamps;
-    if (!cache.valid || now.second != cache.at.second || now.minute != cache.at.minute ||
-        now.hour != cache.at.hour || now.day != cache.at.day || now.month != cache.at.month ||
-        now.year != cache.at.year) {
-      cache.date = FormatStatusDate(now);
-      cache.time = FormatStatusTime(now);
-      cache.at = now;
-      cache.valid = true;
-    }
-    m.StatusDate = cache.date;
-    m.StatusTime = cache.time;
-    m.StampAt = now;
-    RecordDecoder decoder(m, registers, first);
-    const int highest = std::min<int>(m.description.ColumnCount, 127);
+    RecordPass pass(tables_, registers, first, context, out, display_, comment_, key_);
+    const int highest = std::min<int>(description.ColumnCount, 127);
+    out.cells.Reserve(static_cast<size_t>(highest + 1));
     bool firstColumn = true;
     for (int number = 0; number <= highest; ++number) {
-      const ColumnDef& column = m.description.Columns[static_cast<size_t>(number)];
+      const ColumnDef& column = description.Columns[static_cast<size_t>(number)];
       if (!column.Defined) continue;
       // A short block after a counter area that claims a larger ring leaves thousands of
       // records past its end. Each fails at its first column; that one is found without
       // throwing, which would otherwise cost more than decoding a whole record.
-      if (firstColumn && !decoder.Holds(column.RegisterIndex)) {
-        ReportFailedRecord(m, RuntimeError::SubscriptOutOfRange());
-        return false;
+      if (firstColumn && !pass.Holds(column.RegisterIndex)) {
+        throw RuntimeError::SubscriptOutOfRange();
       }
       firstColumn = false;
-      decoder.DecodeColumn(column);
+      pass.DecodeColumn(column);
     }
-    decoder.Finish();
     return true;
   } catch (const RuntimeError& e) {
-    ReportFailedRecord(m, e);
+    out.failed = true;
+    out.failureNumber = e.Number();
+    out.failureMessage = e.Description();
     return false;
   }
 }

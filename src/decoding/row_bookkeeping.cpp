@@ -3,7 +3,9 @@
 #include <charconv>
 #include <string>
 
+#include "decoding/cell_reading.h"
 #include "decoding/row_history.h"
+#include "decoding/stamps.h"
 #include "output/output_steps.h"
 
 namespace vantrel {
@@ -13,38 +15,66 @@ constexpr char kTab = '\t';
 constexpr std::string_view kDashes = "----------------";
 constexpr int32_t kRecordCountLimit = 2147483647;
 
-void AppendEventText(const Module& m, std::string_view status, std::string_view data,
-                     std::string& text);
-
 // The stamps the host asked to see in front of the row's data.
-std::string EventText(const Module& m, std::string_view status, std::string_view data) {
-  std::string text;
-  AppendEventText(m, status, data, text);
-  return text;
-}
-
 void AppendEventText(const Module& m, std::string_view status, std::string_view data,
                      std::string& text) {
-  if (m.props.DateStampCol) (text += m.StatusDate) += kTab;
-  if (m.props.TimeStampCol) (text += m.StatusTime) += kTab;
+  if (m.props.DateStampCol) (text += m.stamp.date) += kTab;
+  if (m.props.TimeStampCol) (text += m.stamp.time) += kTab;
   if (m.props.PCDStatusCol) (text += status) += kTab;
   text += data;
 }
 
-// One dash cell for each data column after the first (`firstToo` adds one for the first).
-std::string DashFiller(const Module& m, bool firstToo) {
-  std::string filler;
-  if (firstToo) filler += kDashes;
-  for (int k = 3; k <= m.grid.ColumnCount() - 3; ++k)
-    (filler += kTab) += kDashes;
-  return filler;
+// The trace cells' texts joined by tabs, as OutputLine and the history carry them.
+void AppendDisplayLine(const CellRow& cells, size_t first, std::string& text) {
+  for (size_t i = first; i < cells.Size(); ++i) {
+    if (i > first) text += kTab;
+    text += cells.Text(i);
+  }
 }
 
-void AddMarkerRow(Module& m, const std::string& status, const std::string& filler,
-                  HistoryRowKind kind, int64_t missed) {
-  m.grid.AddItem(std::to_string(m.walk.RecordCount) + kTab + m.StatusDate + kTab + m.StatusTime +
-                 kTab + status + kTab + filler);
-  m.events.OutputLine(EventText(m, status, filler));
+// The record number, PC date, PC time and status cells that begin every row.
+void AppendStampCells(const Module& m, int32_t recordNumber, std::string_view status,
+                      CellRow& cells) {
+  char digits[16];
+  const auto end = std::to_chars(digits, digits + sizeof digits, recordNumber).ptr;
+  const std::string_view number(digits, static_cast<size_t>(end - digits));
+  cells.Append(number, {}, recordNumber, CellValue::Integer(recordNumber),
+               ReadDecimalCell(number, recordNumber, 0, m.decimalSeparator, false));
+  cells.Append(m.stamp.date, {}, 0, CellValue::Text(), m.stamp.dateReading);
+  cells.Append(m.stamp.time, {}, 0, CellValue::Text(), m.stamp.timeReading);
+  cells.Append(status, {}, 0, status.empty() ? CellValue{} : CellValue::Text(),
+               ReadCellText(status, m.decimalSeparator, false));
+}
+
+int TraceColumnCount(const Module& m) {
+  return std::max(m.grid.ColumnCount() - kFirstTraceColumn, 0);
+}
+
+void AddMarkerRow(Module& m, RowKind kind, const std::string& status, int64_t missed) {
+  // The marker's dashes fill every trace column (a Miss row leaves the first empty), and
+  // OutputLine has always carried two more.
+  const int traceColumns = TraceColumnCount(m);
+  const bool firstToo = kind == RowKind::Restart;
+  std::string filler;
+  if (firstToo) filler += kDashes;
+  for (int k = 0; k <= traceColumns; ++k)
+    (filler += kTab) += kDashes;
+
+  TableRow row = m.grid.TakeSpareRow();
+  row.kind = kind;
+  row.recordNumber = m.walk.RecordCount;
+  row.pcTime = m.stamp.at;
+  row.missed = missed;
+  AppendStampCells(m, m.walk.RecordCount, status, row.cells);
+  for (int k = 0; k < traceColumns; ++k) {
+    const std::string_view text = k == 0 && !firstToo ? std::string_view() : kDashes;
+    row.cells.Append(text, {}, 0, {}, {});
+  }
+  m.grid.AddRow(std::move(row));
+
+  std::string event;
+  AppendEventText(m, status, filler, event);
+  m.events.OutputLine(event);
   AnnounceMarkerRow(m, kind, status, filler, missed);
 }
 
@@ -57,15 +87,55 @@ void ScrollToNewest(Module& m) {
   }
 }
 
+void ReportFailedRecord(Module& m, const std::string& message) {
+  m.services.prompts.ShowMessage(message, "Vantrel", MessageIcon::Exclamation, MessageButtons::Ok);
+}
+
 }  // namespace
 
-void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawLine,
-                  std::string_view commentLine) {
-  if (!displayLine.empty() && displayLine.front() == kTab) displayLine.remove_prefix(1);
-  // Record rows come at full rate: their texts are built in buffers kept by the module.
-  std::string& event = m.decodeScratch.eventText;
+void SetRowStamp(Module& m, const DateTime& now) {
+  RowStamp& s = m.stamp;
+  s.at = now;
+  // Records of one poll share the clock's second: format the stamps only when it moves.
+  if (s.valid && now.second == s.shown.second && now.minute == s.shown.minute &&
+      now.hour == s.shown.hour && now.day == s.shown.day && now.month == s.shown.month &&
+      now.year == s.shown.year) {
+    return;
+  }
+  s.shown = now;
+  s.valid = true;
+  s.date = FormatStatusDate(now);
+  s.time = FormatStatusTime(now);
+  s.dateReading = ReadCellText(s.date, m.decimalSeparator, true);
+  s.timeReading = ReadCellText(s.time, m.decimalSeparator, true);
+}
+
+bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
+  SetRowStamp(m, m.services.clock.Now());
+  DecodedRecord& record = m.decoded;
+  const bool decoded = m.decoder.Decode(registers, first, m.decoding, record);
+  for (const std::string& error : record.readerErrors)
+    m.RaiseError(kErrFieldReader, error);
+  if (!decoded) {
+    ReportFailedRecord(m, record.failureMessage);
+    return false;
+  }
+  try {
+    AddRecordRow(m, record.cells);
+  } catch (const RuntimeError& e) {
+    if (record.passesOverFailures) return true;
+    ReportFailedRecord(m, e.Description());
+    return false;
+  }
+  return true;
+}
+
+void AddRecordRow(Module& m, const CellRow& traceCells, RowKind kind) {
+  // Record rows come at full rate: their texts are built in a buffer kept by the module.
+  std::string& event = m.eventText;
   event.clear();
-  AppendEventText(m, m.PCDStatusText, displayLine, event);
+  AppendEventText(m, m.PCDStatusText, {}, event);
+  AppendDisplayLine(traceCells, 0, event);
   m.events.OutputLine(event);
 
   if (m.walk.RecordCount >= kRecordCountLimit) {
@@ -87,28 +157,25 @@ void AddRecordRow(Module& m, std::string_view displayLine, std::string_view rawL
   }
   m.SurfaceChanged();
 
-  std::string& row = m.decodeScratch.rowText;
-  row.clear();
-  char number[16];
-  row.append(number, std::to_chars(number, number + sizeof number, m.walk.RecordCount).ptr);
-  (((((row += kTab) += m.StatusDate) += kTab) += m.StatusTime) += kTab) += m.PCDStatusText;
-  (row += kTab) += displayLine;
-  (row += kTab) += rawLine;
-  (row += kTab) += commentLine;
-  m.grid.AddItem(row);
-  AnnounceRecordRow(m, displayLine);
+  TableRow row = m.grid.TakeSpareRow();
+  row.kind = kind;
+  row.recordNumber = m.walk.RecordCount;
+  row.pcTime = m.stamp.at;
+  AppendStampCells(m, m.walk.RecordCount, m.PCDStatusText, row.cells);
+  row.cells.AppendAll(traceCells);
+  m.grid.AddRow(std::move(row));
+  AnnounceRecordRow(m, kind, traceCells);
 
   if (m.GraphShown) RefreshGraph(m);
   ScrollToNewest(m);
 }
 
 void AddMissRow(Module& m, int64_t missed) {
-  AddMarkerRow(m, "Miss " + std::to_string(missed), DashFiller(m, false), HistoryRowKind::Miss,
-               missed);
+  AddMarkerRow(m, RowKind::Miss, "Miss " + std::to_string(missed), missed);
 }
 
 void AddRestartRow(Module& m) {
-  AddMarkerRow(m, "Restart", DashFiller(m, true), HistoryRowKind::Restart, 0);
+  AddMarkerRow(m, RowKind::Restart, "Restart", 0);
 }
 
 }  // namespace vantrel

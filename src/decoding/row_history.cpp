@@ -1,7 +1,6 @@
 #include "decoding/row_history.h"
 
 #include "description/field_types.h"
-#include "platform/numbers.h"
 
 namespace vantrel {
 namespace {
@@ -31,31 +30,30 @@ void AnnounceDescription(Module& m) {
     sink->DescriptionLoaded(d);
 }
 
-void AnnounceRecordRow(Module& m, std::string_view displayLine) {
+void AnnounceRecordRow(Module& m, RowKind kind, const CellRow& traceCells) {
   if (m.rowSinks.empty()) return;
   HistoryRow row;
-  row.kind = m.addingStatusRow ? HistoryRowKind::Status : HistoryRowKind::Record;
+  row.kind = kind;
   row.recordNumber = m.walk.RecordCount;
-  row.pcTime = m.StampAt;
+  row.pcTime = m.stamp.at;
   row.status = m.PCDStatusText;
-  row.line = displayLine;
-  size_t start = 0;
-  // A status row of a description without columns has no cells at all.
-  if (displayLine.empty() && row.kind == HistoryRowKind::Status) start = 1;
-  while (start <= displayLine.size()) {
-    const size_t tab = std::min(displayLine.find('\t', start), displayLine.size());
-    row.display.emplace_back(displayLine.substr(start, tab - start));
-    start = tab + 1;
+  const size_t count = traceCells.Size();
+  for (size_t i = 0; i < count; ++i) {
+    if (i > 0) row.line += '\t';
+    row.line += traceCells.Text(i);
   }
-  if (row.kind == HistoryRowKind::Record) {
-    row.raw = m.decodeScratch.columnRaw;
-    row.number.reserve(row.display.size());
-    for (const std::string& text : row.display)
-      row.number.push_back(NumberValue(text, m.decimalSeparator));
-  } else {
-    row.display.assign(row.display.size(), std::string());
-    row.raw.assign(row.display.size(), std::string());
-    row.number.assign(row.display.size(), std::nullopt);
+  // A status row of a description without columns has no cells at all; a record row of one
+  // has a single empty cell, as its line reads.
+  const size_t cells = count == 0 && kind != RowKind::Status ? 1 : count;
+  row.display.resize(cells);
+  row.raw.resize(kind == RowKind::Record ? count : cells);
+  row.number.resize(cells);
+  if (kind == RowKind::Record) {
+    for (size_t i = 0; i < count; ++i) {
+      row.display[i] = traceCells.Text(i);
+      row.raw[i] = std::to_string(traceCells.Raw(i));
+      row.number[i] = traceCells.Number(i);
+    }
   }
   Send(m, row);
 }
@@ -66,7 +64,7 @@ void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status,
   HistoryRow row;
   row.kind = kind;
   row.recordNumber = m.walk.RecordCount;
-  row.pcTime = m.StampAt;
+  row.pcTime = m.stamp.at;
   row.status = std::string(status);
   row.missed = missed;
   row.line = filler;

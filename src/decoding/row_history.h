@@ -9,7 +9,7 @@
 namespace vantrel {
 
 void AnnounceDescription(Module& m);
-void AnnounceRecordRow(Module& m, std::string_view displayLine);
+void AnnounceRecordRow(Module& m, RowKind kind, const CellRow& traceCells);
 void AnnounceMarkerRow(Module& m, HistoryRowKind kind, std::string_view status,
                        std::string_view filler, int64_t missed);
 

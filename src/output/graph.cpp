@@ -1,10 +1,7 @@
 #include "output/graph.h"
 
-#include <cstdlib>
-
 #include "control/run_control.h"
 #include "output/output_steps.h"
-#include "platform/numbers.h"
 #include "platform/runtime_error.h"
 
 namespace vantrel {
@@ -13,7 +10,12 @@ namespace {
 constexpr int kSeriesLineWidth = 20;
 
 bool Selected(const TableModel& grid, int column) {
-  return grid.HeaderBackColor(column) == kColorYellow;
+  return grid.Selected(column);
+}
+
+// The last trace column.
+int LastDataColumn(const TableModel& grid) {
+  return grid.ColumnCount() - 1;
 }
 
 int LabelStep(int32_t points) {
@@ -21,14 +23,6 @@ int LabelStep(int32_t points) {
   if (points <= 100) return 5;
   if (points <= 500) return 10;
   return 20;
-}
-
-double NumberOf(std::string_view text, char separator) {
-  std::string normal(text);
-  for (char& c : normal) {
-    if (c == separator) c = '.';
-  }
-  return std::strtod(normal.c_str(), nullptr);
 }
 
 }  // namespace
@@ -39,13 +33,13 @@ void ClickGraphButton(Module& m) {
     return;
   }
   TableModel& grid = m.grid;
-  const int last = grid.ColumnCount() - 3;
+  const int last = LastDataColumn(grid);
   bool any = false;
   for (int c = 4; c <= last; ++c)
     any = any || Selected(grid, c);
   if (!any) {
     for (int c = 4; c <= last; ++c)
-      grid.SetHeaderBackColor(c, kColorYellow);
+      grid.SetSelected(c, true);
   }
   bool found = false;
   for (int c = 4; c <= last; ++c)
@@ -68,7 +62,7 @@ void ClickGraphButton(Module& m) {
 
 void SetupGraph(Module& m) {
   m.GraphColumns.clear();
-  for (int c = 4; c <= m.grid.ColumnCount() - 3; ++c) {
+  for (int c = kFirstTraceColumn; c <= LastDataColumn(m.grid); ++c) {
     if (Selected(m.grid, c)) m.GraphColumns.emplace_back(c, std::string(m.grid.Text(0, c)));
   }
   GraphModel& chart = m.chart;
@@ -102,10 +96,7 @@ void RefreshGraph(Module& m) {
     for (int s = 1; s <= static_cast<int>(m.GraphColumns.size()); ++s) {
       const int column = m.GraphColumns[static_cast<size_t>(s - 1)].first;
       for (int r = first; r <= rows - 1; ++r) {
-        const std::string_view text = grid.Text(r, column);
-        const double value =
-            IsNumeric(text, m.decimalSeparator) ? NumberOf(text, m.decimalSeparator) : 0.0;
-        chart.SetValue(s, r - first + 1, value);
+        chart.SetValue(s, r - first + 1, grid.Row(r).cells.Plot(static_cast<size_t>(column)));
       }
     }
   } catch (const RuntimeError&) {
@@ -119,9 +110,9 @@ void PressGrid(Module& m, int32_t y) {
 }
 
 void DoubleClickGrid(Module& m, int column) {
-  if (!m.pressOnHeader || column < 1 || column > m.grid.ColumnCount() - 3) return;
+  if (!m.pressOnHeader || column < 1 || column > LastDataColumn(m.grid)) return;
   m.pressOnHeader = false;
-  m.grid.SetHeaderBackColor(column, Selected(m.grid, column) ? kColorBlack : kColorYellow);
+  m.grid.SetSelected(column, !Selected(m.grid, column));
 }
 
 }  // namespace vantrel

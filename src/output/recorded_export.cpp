@@ -1,6 +1,7 @@
 #include "vantrel/recorded_export.h"
 
 #include "control/module.h"
+#include "decoding/cell_reading.h"
 #include "decoding/grid_setup.h"
 #include "decoding/stamps.h"
 #include "description/field_types.h"
@@ -78,15 +79,38 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
   m.props.PCDStatusCol = how.stamps.status;
   BuildGrid(m);
 
-  // The table as the control filled it: number, PC date and time, status, then the cells.
-  std::string item;
-  for (const RecordedRow& row : rows) {
-    item = std::to_string(row.recordNumber);
-    (item += '\t') += FormatStatusDate(row.pcTime);
-    (item += '\t') += FormatStatusTime(row.pcTime);
-    (item += '\t') += row.status;
-    (item += '\t') += row.line;
-    m.grid.AddItem(item);
+  // The table as the control filled it: number, PC date and time, status, then the cells,
+  // each made from the text the history kept.
+  const size_t columns = static_cast<size_t>(m.grid.ColumnCount());
+  std::vector<bool> dateColumn(columns, false);
+  for (size_t c = kFirstTraceColumn; c < columns; ++c) {
+    const int32_t definition = m.grid.ColumnData(static_cast<int>(c));
+    dateColumn[c] = IsDateKind(
+        ExportKindOfCode(m.description.Columns[static_cast<size_t>(definition)].DisplayCode));
+  }
+  for (const RecordedRow& recorded : rows) {
+    TableRow row;
+    row.kind = recorded.kind;
+    row.recordNumber = recorded.recordNumber;
+    row.pcTime = recorded.pcTime;
+    auto add = [&](std::string_view text) {
+      const size_t c = row.cells.Size();
+      if (c >= columns) return;
+      const bool date = c == size_t{kPcDateColumn} || c == size_t{kPcTimeColumn} || dateColumn[c];
+      row.cells.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
+                       ReadCellText(text, m.decimalSeparator, date));
+    };
+    add(std::to_string(recorded.recordNumber));
+    add(FormatStatusDate(recorded.pcTime));
+    add(FormatStatusTime(recorded.pcTime));
+    add(recorded.status);
+    const std::string_view line = recorded.line;
+    for (size_t start = 0; start <= line.size();) {
+      const size_t tab = std::min(line.find('\t', start), line.size());
+      add(line.substr(start, tab - start));
+      start = tab + 1;
+    }
+    m.grid.AddRow(std::move(row));
   }
 
   m.props.ExportFile = how.file;

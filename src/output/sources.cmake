@@ -2,7 +2,6 @@ target_sources(vantrel PRIVATE
   output/graph.cpp
   output/graph_model.cpp
   output/recorded_export.cpp
-  output/date_serial.cpp
   output/excel_file.cpp
   output/export_naming.cpp
   output/trace_export.cpp

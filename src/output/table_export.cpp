@@ -3,21 +3,22 @@
 
 #include "vantrel/table_export.h"
 
-#include "output/date_serial.h"
-#include "platform/numbers.h"
+#include "platform/date_serial.h"
 
 namespace vantrel {
 
 ExportCell ReadExportCell(const ExportSource& source, int row, size_t column) {
   const ExportColumn& c = source.columns[column];
   ExportCell cell;
-  cell.text = source.table->Text(row, c.gridColumn);
+  const CellRow& cells = source.table->Row(row).cells;
+  const auto index = static_cast<size_t>(c.gridColumn);
+  cell.text = cells.Text(index);
   if (cell.text.empty()) return cell;
   switch (c.kind) {
     case ExportCellKind::Date:
     case ExportCellKind::Time:
     case ExportCellKind::DateTime:
-      if (const auto serial = DateSerialFromText(cell.text)) {
+      if (const auto serial = cells.Serial(index)) {
         cell.type = ExportCell::Type::DateTime;
         cell.number = *serial;
         cell.when = DateTimeFromSerial(*serial);
@@ -25,7 +26,7 @@ ExportCell ReadExportCell(const ExportSource& source, int row, size_t column) {
       }
       break;  // a marker row's dashes in a date column stay text
     case ExportCellKind::General:
-      if (const auto number = NumberValue(cell.text, source.decimalSeparator)) {
+      if (const auto number = cells.Number(index)) {
         cell.type = ExportCell::Type::Number;
         cell.number = *number;
         return cell;

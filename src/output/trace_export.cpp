@@ -9,15 +9,14 @@
 #include <string>
 
 #include "control/clear.h"
+#include "decoding/cell_reading.h"
 #include "description/field_types.h"
 #include "description/profile_file.h"
 #include "output/csv_export.h"
-#include "output/date_serial.h"
 #include "output/excel_file.h"
 #include "output/export_naming.h"
 #include "output/output_steps.h"
 #include "platform/export_file.h"
-#include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/runtime_error.h"
 #include "platform/text.h"
@@ -57,18 +56,24 @@ bool ShowsMessages(const Module& m) {
 }
 
 ColumnType TypeOfColumn(const Module& m, int column) {
-  if (column == 1) return {CellKind::Date, kFormatDate};
-  if (column == 2) return {CellKind::Date, kFormatTime};
-  if (column == 3) return {};
+  if (column == kPcDateColumn) return {CellKind::Date, kFormatDate};
+  if (column == kPcTimeColumn) return {CellKind::Date, kFormatTime};
+  if (column == kStatusColumn) return {};
   const int32_t definition = m.grid.ColumnData(column);
   if (definition < 0 || definition >= static_cast<int32_t>(m.description.Columns.size())) return {};
-  const std::string& code = m.description.Columns[static_cast<size_t>(definition)].DisplayCode;
-  if (code.empty() || FoldCase(code[0]) != 't') return {};
-  const char second = code.size() > 1 ? FoldCase(code[1]) : '\0';
-  if (second == 'x') return {CellKind::Text, 0};
-  if (second == 'd') return {CellKind::Date, kFormatDate};
-  if (second == 'h') return {CellKind::Date, kFormatTime};
-  return {CellKind::Date, kFormatDateTime};
+  switch (ExportKindOfCode(m.description.Columns[static_cast<size_t>(definition)].DisplayCode)) {
+    case ExportCellKind::Text:
+      return {CellKind::Text, 0};
+    case ExportCellKind::Date:
+      return {CellKind::Date, kFormatDate};
+    case ExportCellKind::Time:
+      return {CellKind::Date, kFormatTime};
+    case ExportCellKind::DateTime:
+      return {CellKind::Date, kFormatDateTime};
+    case ExportCellKind::General:
+      break;
+  }
+  return {};
 }
 
 ExportCellKind KindOfColumn(const Module& m, int column) {
@@ -111,8 +116,10 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
       return failed(writer.LastError());
     }
     const ColumnType type = TypeOfColumn(m, column);
+    const auto cell = static_cast<size_t>(column);
     for (int row = 1; row < m.grid.RowCount(); ++row) {
-      const std::string_view text = m.grid.Text(row, column);
+      const CellRow& cells = m.grid.Row(row).cells;
+      const std::string_view text = cells.Text(cell);
       if (text.empty()) continue;
       const int16_t sheetRow = Cell16(row + 1);
       bool written = false;
@@ -121,13 +128,13 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
           written = writer.EWriteString(sheetRow, counter, text);
           break;
         case CellKind::Date: {
-          const auto serial = DateSerialFromText(text);
+          const auto serial = cells.Serial(cell);
           if (!serial) throw RuntimeError::TypeMismatch();
           written = writer.EWriteDouble(sheetRow, counter, *serial, type.format);
           break;
         }
         case CellKind::General:
-          if (const auto number = NumberValue(text, m.decimalSeparator)) {
+          if (const auto number = cells.Number(cell)) {
             written = writer.EWriteDouble(sheetRow, counter, *number, kFormatGeneral);
           } else {
             written = writer.EWriteString(sheetRow, counter, text);
@@ -144,9 +151,9 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
 // The table columns an export takes: the selected (yellow) ones, or else every shown one.
 std::vector<int> ExportedColumns(const Module& m) {
   std::vector<int> columns;
-  const int last = m.grid.ColumnCount() - 3;
+  const int last = m.grid.ColumnCount() - 1;
   for (int column = 1; column <= last; ++column) {
-    if (m.grid.HeaderBackColor(column) == kColorYellow) columns.push_back(column);
+    if (m.grid.Selected(column)) columns.push_back(column);
   }
   if (!columns.empty()) return columns;
   for (int column = 1; column <= last; ++column) {
@@ -172,7 +179,7 @@ ExportSource SourceOf(const Module& m) {
     c.caption = std::string(m.grid.Text(0, column));
     c.widthTwips = m.grid.ColumnWidth(column);
     c.kind = KindOfColumn(m, column);
-    const int32_t definition = column > 3 ? m.grid.ColumnData(column) : -1;
+    const int32_t definition = column >= kFirstTraceColumn ? m.grid.ColumnData(column) : -1;
     if (definition >= 0 && definition < static_cast<int32_t>(m.description.Columns.size())) {
       const ColumnDef& d = m.description.Columns[static_cast<size_t>(definition)];
       c.traceColumn = true;
@@ -199,9 +206,9 @@ int16_t WriteWithExporter(Module& m, TableExporter* exporter, const std::string&
 // Writes the selected columns, or else every shown column; returns how many were written.
 int16_t WriteColumns(Module& m, ExcelFile& writer) {
   int16_t counter = 0;
-  const int last = m.grid.ColumnCount() - 3;
+  const int last = m.grid.ColumnCount() - 1;
   for (int column = 1; column <= last; ++column) {
-    if (m.grid.HeaderBackColor(column) == kColorYellow) WriteColumn(m, writer, counter, column);
+    if (m.grid.Selected(column)) WriteColumn(m, writer, counter, column);
   }
   if (counter != 0) return counter;
   for (int column = 1; column <= last; ++column) {

@@ -19,6 +19,7 @@ class RuntimeError : public std::exception {
   const char* what() const noexcept override { return description_.c_str(); }
 
   static RuntimeError Overflow() { return {6, "Overflow"}; }
+  static RuntimeError OutOfMemory() { return {7, "Out of memory"}; }
   static RuntimeError SubscriptOutOfRange() { return {9, "Subscript out of range"}; }
   static RuntimeError TypeMismatch() { return {13, "Type mismatch"}; }
   static RuntimeError FileNotFound() { return {53, "File not found"}; }

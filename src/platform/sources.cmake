@@ -1,4 +1,5 @@
 target_sources(vantrel PRIVATE
+  platform/date_serial.cpp
   platform/encoding.cpp
   platform/export_file.cpp
   platform/manual_clock.cpp

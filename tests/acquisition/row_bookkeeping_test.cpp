@@ -16,9 +16,8 @@ struct RowFixture : ModuleFixture {
   RowFixture() {
     Define(1, 4, 0, 0, "A", "d");
     Define(2, 4, 0, 1, "B", "d");
-    Build();  // 8 columns: number, date, time, status, A, B, raw, comment
-    m.StatusDate = "15/11/26";
-    m.StatusTime = "08:15:30";
+    Build();  // 6 columns: number, date, time, status, A, B
+    StampAt(8, 15, 30);
     m.PCDStatusText = "Run";
   }
   std::vector<std::string> Lines() const {
@@ -37,16 +36,16 @@ struct RowFixture : ModuleFixture {
 
 TEST(RecordRows, CellsCarryTheStampsAndTheEventTheChosenOnes) {
   RowFixture f;
-  AddRecordRow(f.m, "\t 1\t 2", "1;2", ";");
-  EXPECT_EQ(f.Row(1),
-            (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", " 1", " 2", "1;2", ";"}));
+  f.AddTextRow({" 1", " 2"});
+  EXPECT_EQ(f.Row(1), (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", " 1", " 2"}));
+  EXPECT_EQ(f.m.grid.Row(1).kind, RowKind::Record);
   EXPECT_EQ(f.Lines(), std::vector<std::string>{" 1\t 2"});
   f.m.props.DateStampCol = true;
   f.m.props.PCDStatusCol = true;
-  AddRecordRow(f.m, "\t 3\t 4", "3;4", ";");
+  f.AddTextRow({" 3", " 4"});
   f.m.props.DateStampCol = false;
   f.m.props.TimeStampCol = true;
-  AddRecordRow(f.m, "\t 5\t 6", "5;6", ";");
+  f.AddTextRow({" 5", " 6"});
   EXPECT_EQ(f.Lines()[1], "15/11/26\tRun\t 3\t 4");
   EXPECT_EQ(f.Lines()[2], "08:15:30\tRun\t 5\t 6");
   EXPECT_EQ(f.m.walk.RecordCount, 3);
@@ -58,9 +57,9 @@ TEST(RecordRows, TheRowLimitDropsTheOldestAndTurnsTheCounterRed) {
   RowFixture f;
   f.m.props.MaxRows = 3;
   for (int i = 1; i <= 3; ++i)
-    AddRecordRow(f.m, "\tx\ty", "", "");
+    f.AddTextRow({"x", "y"});
   EXPECT_EQ(f.m.surface.rowCount.foreColor, kColorBlack);
-  AddRecordRow(f.m, "\tx\ty", "", "");
+  f.AddTextRow({"x", "y"});
   EXPECT_EQ(f.m.grid.DataRowCount(), 3);
   EXPECT_EQ(f.m.grid.Text(1, 0), "2");
   EXPECT_EQ(f.m.surface.rowCount.caption, "3");
@@ -70,7 +69,7 @@ TEST(RecordRows, TheRowLimitDropsTheOldestAndTurnsTheCounterRed) {
 TEST(RecordRows, TheRecordCounterRestartsAtItsLimit) {
   RowFixture f;
   f.m.walk.RecordCount = 2147483647;
-  AddRecordRow(f.m, "", "", "");
+  f.AddTextRow({});
   EXPECT_EQ(f.m.walk.RecordCount, 0);
   EXPECT_EQ(f.m.surface.recordCount.foreColor, kColorRed);
 }
@@ -80,10 +79,10 @@ TEST(RecordRows, TheNewestRowStaysInView) {
   f.m.grid.SetRowHeight(240);
   f.m.grid.SetViewHeight(240 * 5);  // five rows fit
   for (int i = 0; i < 12; ++i)
-    AddRecordRow(f.m, "", "", "");
+    f.AddTextRow({});
   EXPECT_EQ(f.m.grid.TopRow(), 13 - 5 + 1);
   f.m.grid.SetViewHeight(0);
-  AddRecordRow(f.m, "", "", "");
+  f.AddTextRow({});
   EXPECT_EQ(f.m.grid.TopRow(), f.m.grid.RowCount() - 1) << "never past the last row";
 }
 
@@ -92,8 +91,9 @@ TEST(MarkerRows, MissFillsEveryDataColumnButTheFirstWithDashes) {
   f.m.walk.RecordCount = 7;
   AddMissRow(f.m, 11);
   const std::string d = "----------------";
-  EXPECT_EQ(f.Row(1),
-            (std::vector<std::string>{"7", "15/11/26", "08:15:30", "Miss 11", "", d, d, d}));
+  EXPECT_EQ(f.Row(1), (std::vector<std::string>{"7", "15/11/26", "08:15:30", "Miss 11", "", d}));
+  EXPECT_EQ(f.m.grid.Row(1).kind, RowKind::Miss);
+  EXPECT_EQ(f.m.grid.Row(1).missed, 11);
   EXPECT_EQ(f.Lines(), std::vector<std::string>{"\t" + d + "\t" + d + "\t" + d});
   EXPECT_EQ(f.m.walk.RecordCount, 7) << "marker rows do not count as records";
 }
@@ -104,10 +104,52 @@ TEST(MarkerRows, RestartFillsTheFirstDataColumnToo) {
   f.m.props.DateStampCol = true;
   AddRestartRow(f.m);
   const std::string d = "----------------";
-  EXPECT_EQ(f.Row(1),
-            (std::vector<std::string>{"0", "15/11/26", "08:15:30", "Restart", d, d, d, d}));
+  EXPECT_EQ(f.Row(1), (std::vector<std::string>{"0", "15/11/26", "08:15:30", "Restart", d, d}));
   EXPECT_EQ(f.Lines(),
             std::vector<std::string>{"15/11/26\tRestart\t" + d + "\t" + d + "\t" + d + "\t" + d});
+}
+
+TEST(RecordRows, ADecodedRecordKeepsItsValuesRawValuesAndReaderErrors) {
+  RowFixture f;
+  f.Define(3, 3, 0, 5, "Bad", "d");  // byte 5 is outside the byte table
+  f.Define(2, 4, 0, 1, "B", "2d");
+  f.Build();
+  ASSERT_TRUE(DecodeRecord(f.m, std::vector<int32_t>{0x00070009}, 0));
+  const TableRow& row = f.m.grid.Row(1);
+  EXPECT_EQ(f.Row(1),
+            (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", " 9", "0.07", " 0"}));
+  EXPECT_EQ(row.cells.Raw(5), 7);
+  EXPECT_EQ(row.cells.Number(5), 0.07);
+  EXPECT_EQ(row.cells.Serial(1), 46341.0);  // the PC date, read as the export reads it
+  EXPECT_EQ(f.Lines(), std::vector<std::string>{" 9\t0.07\t 0"});
+  ASSERT_EQ(f.host.Named("ModulError").size(), 1u);
+  EXPECT_EQ(f.host.Named("ModulError")[0].text, "Error in ReadByte function.");
+}
+
+TEST(RecordRows, ARecordThatCannotBeDecodedIsShownAndAddsNoRow) {
+  RowFixture f;
+  EXPECT_FALSE(DecodeRecord(f.m, std::vector<int32_t>{}, 0));
+  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  EXPECT_TRUE(f.Lines().empty());
+  ASSERT_EQ(f.prompts.Messages().size(), 1u);
+  const auto& message = f.prompts.Messages()[0];
+  EXPECT_EQ(message.text, "Subscript out of range");
+  EXPECT_EQ(message.title, "Vantrel");
+  EXPECT_EQ(message.icon, MessageIcon::Exclamation);
+}
+
+TEST(RecordRows, RecordsOfOneSecondShareTheirStampsAndTheNextSecondMovesThem) {
+  RowFixture f;
+  f.loop.Advance(1000);
+  ASSERT_TRUE(DecodeRecord(f.m, std::vector<int32_t>{1}, 0));
+  f.loop.Advance(400);
+  ASSERT_TRUE(DecodeRecord(f.m, std::vector<int32_t>{2}, 0));
+  f.loop.Advance(600);
+  ASSERT_TRUE(DecodeRecord(f.m, std::vector<int32_t>{3}, 0));
+  EXPECT_EQ(f.m.grid.Text(1, 2), "08:15:31");
+  EXPECT_EQ(f.m.grid.Text(2, 2), "08:15:31");
+  EXPECT_EQ(f.m.grid.Text(3, 2), "08:15:32");
+  EXPECT_EQ(f.m.grid.Row(2).pcTime.millisecond, 400);
 }
 
 TEST(ControllerStatus, CodesHaveTheirTextsAndSixOrUnknownAreBadStatus) {
@@ -131,13 +173,13 @@ TEST(ControllerStatus, AChangeAddsOneStatusRowOnceTheBufferIsKnown) {
   ChangePCDStatus(f.m);
   ChangePCDStatus(f.m);
   ASSERT_EQ(f.m.grid.DataRowCount(), 1);
-  EXPECT_EQ(f.Row(1),
-            (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", "", "", "", ""}));
+  EXPECT_EQ(f.Row(1), (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", "", ""}));
+  EXPECT_EQ(f.m.grid.Row(1).kind, RowKind::Status);
 }
 
 TEST(ControllerCommands, ClearAndShutDownActOnceEach) {
   RowFixture f;
-  AddRecordRow(f.m, "\tx\ty", "", "");
+  f.AddTextRow({"x", "y"});
   f.m.buffer.CommandWord = 1;
   CheckCommand(f.m);
   EXPECT_EQ(f.m.grid.DataRowCount(), 0);

@@ -8,6 +8,12 @@ namespace {
 
 using testing::ControlFixture;
 
+void AddNumberedRow(TableModel& table, int number) {
+  TableRow row;
+  row.cells.Append(std::to_string(number), {}, number, CellValue::Integer(number), {});
+  table.AddRow(std::move(row));
+}
+
 struct ChangeRecorder : Container {
   std::vector<std::string> changed;
   void PropertyChanged(std::string_view name) override { changed.emplace_back(name); }
@@ -29,8 +35,8 @@ TEST(ControlProperties, CreationReportsDisabledOnceAndShowsNoBufferTitle) {
   EXPECT_EQ(f.host.Statuses(), std::vector<int16_t>{0});
   EXPECT_EQ(f->GetSurface().title.caption, "No Buffer Selected");
   EXPECT_EQ(f->GetSurface().status.caption, "Disabled");
-  // An empty table with its six bookkeeping columns exists from the start.
-  EXPECT_EQ(f->Table().ColumnCount(), 6);
+  // An empty table with its four stamp columns exists from the start.
+  EXPECT_EQ(f->Table().ColumnCount(), 4);
   EXPECT_EQ(f->Table().RowCount(), 1);
 }
 
@@ -96,7 +102,7 @@ TEST(ControlProperties, GridFontReachesTheTableOnlyWhenRead) {
 TEST(ControlProperties, MaxRowsTrimsTheOldestRows) {
   ControlFixture f;
   for (int i = 1; i <= 5; ++i)
-    f->Table().AddItem(std::to_string(i));
+    AddNumberedRow(f->Table(), i);
   f->SetMaxRows(3);
   ASSERT_EQ(f->Table().DataRowCount(), 3);
   EXPECT_EQ(f->Table().Text(1, 0), "3");

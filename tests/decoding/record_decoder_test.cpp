@@ -1,6 +1,7 @@
-// One record to one table row: every field type under every display code, the texts that
-// carry over between columns, strings over several registers, value lists, value texts per
-// application, symbol names, time stamps, and what ends a record.
+// One record to its cells: every field type under every display code, the texts that carry
+// over between columns, strings over several registers, value lists, value texts per
+// application, symbol names, time stamps, what ends a record, and the typed values and
+// readings each cell is made with.
 
 #include "decoding/record_decoder.h"
 
@@ -11,7 +12,9 @@
 #include <vector>
 
 #include "acquisition/string_columns.h"
-#include "support/module_fixture.h"
+#include "decoding/cell_reading.h"
+#include "support/recording_host.h"
+#include "vantrel/manual_clock.h"
 
 namespace vantrel {
 namespace {
@@ -25,48 +28,51 @@ constexpr int16_t kWord = 4;
 constexpr int16_t kLong = 5;
 constexpr int16_t kStrg = 6;
 
-struct DecodedRow {
-  std::vector<std::string> texts;  // one per defined column
-  std::string raw;
-  std::string comment;
-  std::string date;
-  std::string time;
-};
+struct DecoderFixture {
+  TraceDescription description;
+  cSymbol symbols;
+  cValues valueTexts;
+  ManualClock clock;
+  char separator = '.';
+  DecodingContext context;
+  DecodedRecord record;
 
-struct DecoderFixture : testing::ModuleFixture {
-  DecoderFixture() { host.ClearEvents(); }
+  ColumnDef& Define(int number, int16_t type, int16_t reg, int16_t position,
+                    const std::string& caption, const std::string& code) {
+    ColumnDef& c = description.Columns[static_cast<size_t>(number)];
+    c.Defined = -1;
+    c.FieldType = type;
+    c.RegisterIndex = reg;
+    c.Position = position;
+    c.Caption = caption;
+    c.DisplayCode = code;
+    if (number > description.ColumnCount) description.ColumnCount = static_cast<int16_t>(number);
+    return c;
+  }
 
-  // Builds the table on the first call, so that columns defined before it show up.
   bool Decode(const std::vector<int32_t>& registers, size_t first = 0) {
-    if (!built_) {
-      Build();
-      built_ = true;
-    }
-    return DecodeRecord(m, registers, first);
+    RecordDecoder decoder({description, symbols, valueTexts, clock, separator});
+    return decoder.Decode(registers, first, context, record);
   }
 
-  DecodedRow LastRow() const {
-    DecodedRow row;
-    const int r = m.grid.RowCount() - 1;
-    const int columns = m.grid.ColumnCount();
-    for (int c = 4; c < columns - 2; ++c)
-      row.texts.emplace_back(m.grid.Text(r, c));
-    row.raw = m.grid.Text(r, columns - 2);
-    row.comment = m.grid.Text(r, columns - 1);
-    row.date = m.grid.Text(r, 1);
-    row.time = m.grid.Text(r, 2);
-    return row;
-  }
-
-  std::vector<std::string> ReportedErrors() const {
+  std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
-    for (const auto& e : host.Named("ModulError"))
-      texts.push_back(e.text);
+    for (size_t i = 0; i < record.cells.Size(); ++i)
+      texts.emplace_back(record.cells.Text(i));
     return texts;
   }
-
- private:
-  bool built_ = false;
+  std::vector<int64_t> Raw() const {
+    std::vector<int64_t> raw;
+    for (size_t i = 0; i < record.cells.Size(); ++i)
+      raw.push_back(record.cells.Raw(i));
+    return raw;
+  }
+  std::vector<std::string> Comments() const {
+    std::vector<std::string> comments;
+    for (size_t i = 0; i < record.cells.Size(); ++i)
+      comments.emplace_back(record.cells.Comment(i));
+    return comments;
+  }
 };
 
 struct Cell {
@@ -79,9 +85,8 @@ Cell DecodeOne(int16_t type, int16_t position, const std::string& code, int32_t 
   DecoderFixture f;
   f.Define(0, type, 0, position, "C", code);
   EXPECT_TRUE(f.Decode({reg}));
-  const DecodedRow row = f.LastRow();
-  EXPECT_TRUE(f.ReportedErrors().empty());
-  return {row.texts.at(0), row.raw};
+  EXPECT_TRUE(f.record.readerErrors.empty());
+  return {std::string(f.record.cells.Text(0)), std::to_string(f.record.cells.Raw(0))};
 }
 
 struct Case {
@@ -197,12 +202,13 @@ TEST(DisplayCodes, Longs) {
 
 TEST(DisplayCodes, DecimalsUseTheHostsDecimalSeparator) {
   DecoderFixture f;
-  f.m.decimalSeparator = ',';
+  f.separator = ',';
   f.Define(0, kWord, 0, 0, "W", "2d");
   f.Define(1, kLong, 0, 0, "L", "2d");
   f.Define(2, kWord, 0, 0, "Plain", "d");
   ASSERT_TRUE(f.Decode({1234}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"12,34", "12,34", " 1234"}));
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"12,34", "12,34", " 1234"}));
+  EXPECT_EQ(f.record.cells.Number(0), 12.34);
 }
 
 TEST(CarriedTexts, AnUnknownCodeRepeatsThePreviousColumnsText) {
@@ -214,12 +220,12 @@ TEST(CarriedTexts, AnUnknownCodeRepeatsThePreviousColumnsText) {
   f.Define(4, kLong, 0, 0, "E", "gx");  // a "g" pair that is no symbol format
   f.Define(5, kStrg, 0, 0, "F", "d");   // only "a" reads a string
   ASSERT_TRUE(f.Decode({0x00020007}));
-  const DecodedRow row = f.LastRow();
-  EXPECT_EQ(row.texts, std::vector<std::string>(6, " 7"));
-  // Each column sets its raw value, except the string, which adds its register and then
-  // repeats the raw text before it.
-  EXPECT_EQ(row.raw, "7;2;7;7;131079;131079;131079");
-  EXPECT_EQ(row.comment, ";;;;;");
+  EXPECT_EQ(f.Texts(), std::vector<std::string>(6, " 7"));
+  // Each column sets its raw value; a string's is the last register it read.
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{7, 2, 7, 7, 131079, 131079}));
+  EXPECT_EQ(f.Comments(), std::vector<std::string>(6, ""));
+  // A repeated text is read again as what it shows.
+  EXPECT_EQ(f.record.cells.Number(1), 7.0);
 }
 
 TEST(CarriedTexts, TheFirstColumnOfEveryRecordStartsEmpty) {
@@ -227,11 +233,9 @@ TEST(CarriedTexts, TheFirstColumnOfEveryRecordStartsEmpty) {
   f.Define(0, kWord, 0, 0, "A", "x");
   f.Define(1, kWord, 0, 0, "B", "d");
   ASSERT_TRUE(f.Decode({3}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"", " 3"}));
-  EXPECT_EQ(f.LastRow().raw, "3;3");
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"", " 3"}));
   ASSERT_TRUE(f.Decode({4}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"", " 4"}));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 2);
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"", " 4"}));
 }
 
 TEST(CarriedTexts, ColumnsAreDecodedInColumnNumberOrderUpToTheHighest) {
@@ -240,40 +244,37 @@ TEST(CarriedTexts, ColumnsAreDecodedInColumnNumberOrderUpToTheHighest) {
   f.Define(2, kWord, 1, 0, "Early", "d");
   ASSERT_TRUE(f.Decode({10, 20}));
   // Column 7 repeats column 2, which came before it although it was defined after.
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 20", " 20"}));
-  EXPECT_EQ(f.LastRow().raw, "20;10");
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 20", " 20"}));
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{20, 10}));
 }
 
 TEST(StringDisplay, TenCharactersMoveTheColumnsAfterThemByTwoRegisters) {
   DecoderFixture f;
-  f.m.description.RecordLength = 3;
+  f.description.RecordLength = 3;
   f.Define(1, kWord, 0, 0, "N", "d");
-  f.Define(2, kStrg, 1, 0, "Name", "a", 10);
+  f.Define(2, kStrg, 1, 0, "Name", "a").Width = 10;
   f.Define(3, kWord, 2, 0, "After", "d");
-  ResolveStringColumns(f.m.description, {});
-  ASSERT_EQ(f.m.description.RecordLength, 5);
+  ResolveStringColumns(f.description, {});
+  ASSERT_EQ(f.description.RecordLength, 5);
   const std::vector<int32_t> records = {
       7, Packed("ABCD"), Packed("EFGH"), Packed("IJKL"), 9,
       8, Packed("MNOP"), Packed("QRST"), Packed("UVWX"), 11,
   };
   ASSERT_TRUE(f.Decode(records, 0));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 7", "ABCDEFGHIJ", " 9"}));
-  EXPECT_EQ(f.LastRow().raw, "7;" + std::to_string(Packed("IJKL")) + ";7;9");
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 7", "ABCDEFGHIJ", " 9"}));
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{7, Packed("IJKL"), 9}));
   ASSERT_TRUE(f.Decode(records, 5));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 8", "MNOPQRSTUV", " 11"}));
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 8", "MNOPQRSTUV", " 11"}));
 }
 
 TEST(StringDisplay, ControlCodesShowAsCode127) {
   DecoderFixture f;
-  ColumnDef& text = f.Define(0, kStrg, 0, 0, "S", "a");
-  text.StringLength = 4;
+  f.Define(0, kStrg, 0, 0, "S", "a").StringLength = 4;
   ASSERT_TRUE(f.Decode({0x41000942}));
-  EXPECT_EQ(f.LastRow().texts.at(0),
+  EXPECT_EQ(f.Texts().at(0),
             "A\x7F\x7F"
             "B");
-  // A first column that is a string leaves a leading empty field in the raw line.
-  EXPECT_EQ(f.LastRow().raw, ";" + std::to_string(0x41000942) + ";");
-  EXPECT_EQ(f.LastRow().comment, ";");
+  EXPECT_EQ(f.Raw(), std::vector<int64_t>{0x41000942});
 }
 
 TEST(ValueLists, ADefaultTextStandsForEveryValueWithoutEntry) {
@@ -303,20 +304,19 @@ TEST(ValueLists, EveryFieldTypeLooksItsValueUp) {
   define(5, kLong, 0, "x");   // carries the text before it
   define(6, kByte, 0, "S");   // byte 0: 2
   ASSERT_TRUE(f.Decode({static_cast<int32_t>(0xFFFFFE02u)}));
-  EXPECT_EQ(f.LastRow().texts,
+  EXPECT_EQ(f.Texts(),
             (std::vector<std::string>{"Off", "On", "Near top", "65535", "<-510>", "<-510>", "On"}));
-  EXPECT_EQ(f.LastRow().raw, "1;2;254;65535;-510;-510;2");
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{1, 2, 254, 65535, -510, -510, 2}));
   ASSERT_TRUE(f.Decode({-1}));
-  EXPECT_EQ(f.LastRow().texts,
+  EXPECT_EQ(f.Texts(),
             (std::vector<std::string>{"Off", "<15>", "<255>", "65535", "Minus", "Minus", "255"}));
-  EXPECT_EQ(f.LastRow().raw, "1;15;255;65535;-1;-1;255");
 }
 
 struct ValueTextFixture : DecoderFixture {
   ValueTextFixture() {
-    m.valueTexts.Add("0", "Mode", 2, "Auto", "auto mode");
-    m.valueTexts.Add("3", "Application", 0, "Pump 3", "main");
-    m.valueTexts.Add("3", "Mode", 2, "Manual", "by hand");
+    valueTexts.Add("0", "Mode", 2, "Auto", "auto mode");
+    valueTexts.Add("3", "Application", 0, "Pump 3", "main");
+    valueTexts.Add("3", "Mode", 2, "Manual", "by hand");
   }
 };
 
@@ -327,14 +327,14 @@ TEST(ApplicationTexts, AnApplicationColumnSelectsTheTextsOfLaterColumnsAndRecord
   f.Define(2, kByte, 0, 0, "Mode", "F");
   ASSERT_TRUE(f.Decode({0x0302}));
   // Column 0 still uses application 0; column 1 switches to 3 for column 2.
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"Auto", "Pump 3", "Manual"}));
-  EXPECT_EQ(f.LastRow().comment, "auto mode;main;by hand");
-  EXPECT_EQ(f.LastRow().raw, "2;3;2");
-  EXPECT_EQ(f.m.CurrentAppId, 3);
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"Auto", "Pump 3", "Manual"}));
+  EXPECT_EQ(f.Comments(), (std::vector<std::string>{"auto mode", "main", "by hand"}));
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{2, 3, 2}));
+  EXPECT_EQ(f.context.currentApplication, 3);
   ASSERT_TRUE(f.Decode({0x0402}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"Manual", "<4>", "2"}));
-  EXPECT_EQ(f.LastRow().comment, "by hand;;");
-  EXPECT_EQ(f.m.CurrentAppId, 4);
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"Manual", "<4>", "2"}));
+  EXPECT_EQ(f.Comments(), (std::vector<std::string>{"by hand", "", ""}));
+  EXPECT_EQ(f.context.currentApplication, 4);
 }
 
 TEST(ApplicationTexts, LongsLookUpTheirValueUnsignedWithoutTheMarker) {
@@ -342,57 +342,56 @@ TEST(ApplicationTexts, LongsLookUpTheirValueUnsignedWithoutTheMarker) {
   f.Define(0, kLong, 0, 0, "Big", "f");
   f.Define(1, kLong, 0, 0, "Big", "F");
   ASSERT_TRUE(f.Decode({-1}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{"<4294967295>", "4294967295"}));
-  EXPECT_EQ(f.LastRow().raw, "-1;-1");
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"<4294967295>", "4294967295"}));
+  EXPECT_EQ(f.Raw(), (std::vector<int64_t>{-1, -1}));
 }
 
 TEST(ApplicationTexts, AnApplicationBeyond32BitsEndsTheRecord) {
   ValueTextFixture f;
   f.Define(0, kLong, 0, 0, "Application", "f");
   EXPECT_FALSE(f.Decode({-1}));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
-  ASSERT_EQ(f.prompts.Messages().size(), 1u);
-  EXPECT_EQ(f.prompts.Messages()[0].text, "Overflow");
+  EXPECT_TRUE(f.record.failed);
+  EXPECT_EQ(f.record.failureMessage, "Overflow");
 }
 
 struct SymbolFixture : DecoderFixture {
   SymbolFixture() {
-    m.symbols.Add("R", "Motor1", " speed set point", 100);
-    m.symbols.Add("O", "Pumps.V1", "", 33);
+    symbols.Add("R", "Motor1", " speed set point", 100);
+    symbols.Add("O", "Pumps.V1", "", 33);
     Define(0, kLong, 0, 0, "Addr", "ga");
     Define(1, kLong, 0, 0, "Value", "gv");
     Define(2, kLong, 0, 0, "Name", "gs");
     Define(3, kLong, 0, 0, "Note", "gc");
   }
-  std::vector<std::string> Texts(int32_t reg) {
+  std::vector<std::string> TextsOf(int32_t reg) {
     EXPECT_TRUE(Decode({reg}));
-    return LastRow().texts;
+    return Texts();
   }
 };
 
 TEST(SymbolFormats, NamesAndCommentsOfKnownAddresses) {
   SymbolFixture f;
-  EXPECT_EQ(f.Texts(0x00050064),
+  EXPECT_EQ(f.TextsOf(0x00050064),
             (std::vector<std::string>{"R 100", "100", "Motor1", " speed set point"}));
-  EXPECT_EQ(f.LastRow().raw, "327780;327780;327780;327780");
-  EXPECT_EQ(f.Texts(0x00150021), (std::vector<std::string>{"O 33", "33", "Pumps.V1", ""}));
-  EXPECT_TRUE(f.ReportedErrors().empty());
+  EXPECT_EQ(f.Raw(), std::vector<int64_t>(4, 327780));
+  EXPECT_EQ(f.TextsOf(0x00150021), (std::vector<std::string>{"O 33", "33", "Pumps.V1", ""}));
+  EXPECT_TRUE(f.record.readerErrors.empty());
 }
 
 TEST(SymbolFormats, UnknownAddressesShowTheirOwnNotFoundTexts) {
   SymbolFixture f;
-  EXPECT_EQ(f.Texts(0x00050065),
+  EXPECT_EQ(f.TextsOf(0x00050065),
             (std::vector<std::string>{"R 101", "101", "<Not found>", "<No found>"}));
   // Media code 7 has no prefix, so "gv" cuts the address's own first digits.
-  EXPECT_EQ(f.Texts(0x000704B0),
+  EXPECT_EQ(f.TextsOf(0x000704B0),
             (std::vector<std::string>{"1200", "00", "<Not found>", "<No found>"}));
 }
 
 TEST(SymbolFormats, AnAddressAbove32767IsReportedAndTheRecordStays) {
   SymbolFixture f;
-  EXPECT_EQ(f.Texts(0x00058000), (std::vector<std::string>{"", "", "<Not found>", "<No found>"}));
-  EXPECT_EQ(f.ReportedErrors(), std::vector<std::string>(4, "Error in ReadMedia function."));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
+  EXPECT_EQ(f.TextsOf(0x00058000), (std::vector<std::string>{"", "", "<Not found>", "<No found>"}));
+  EXPECT_EQ(f.record.readerErrors, std::vector<std::string>(4, "Error in ReadMedia function."));
+  EXPECT_FALSE(f.record.failed);
 }
 
 TEST(SymbolFormats, MediaCodesAreLookedUpInTheColumnsList) {
@@ -401,10 +400,10 @@ TEST(SymbolFormats, MediaCodesAreLookedUpInTheColumnsList) {
   c.Values = {5, 3};
   c.ValueTexts = {"Register", "Flag"};
   ASSERT_TRUE(f.Decode({0x00050064}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "Register");
-  EXPECT_EQ(f.LastRow().raw, "327780");
+  EXPECT_EQ(f.Texts().at(0), "Register");
+  EXPECT_EQ(f.Raw().at(0), 327780);
   ASSERT_TRUE(f.Decode({0x00070000}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "<7>");
+  EXPECT_EQ(f.Texts().at(0), "<7>");
 }
 
 TEST(SymbolFormats, ErrorsAfterASymbolColumnDoNotLoseTheRecord) {
@@ -414,13 +413,12 @@ TEST(SymbolFormats, ErrorsAfterASymbolColumnDoNotLoseTheRecord) {
   f.Define(6, kLong, 1, 0, "Application", "f");  // 4294967295 does not fit an application id
   f.Define(7, kWord, 1, 0, "Last", "d");
   ASSERT_TRUE(f.Decode({0x00050064, -1}));
-  const DecodedRow row = f.LastRow();
-  EXPECT_EQ(row.texts.at(2), "Motor1");
-  EXPECT_EQ(row.texts.at(5), " 100");
-  EXPECT_EQ(row.texts.at(7), " 65535");
-  EXPECT_EQ(f.m.CurrentAppId, 0);
-  EXPECT_TRUE(f.prompts.Messages().empty());
-  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
+  const std::vector<std::string> texts = f.Texts();
+  EXPECT_EQ(texts.at(2), "Motor1");
+  EXPECT_EQ(texts.at(5), " 100");
+  EXPECT_EQ(texts.at(7), " 65535");
+  EXPECT_EQ(f.context.currentApplication, 0);
+  EXPECT_TRUE(f.record.passesOverFailures);
 }
 
 TEST(SymbolFormats, ErrorsBeforeTheFirstSymbolColumnStillEndTheRecord) {
@@ -428,8 +426,7 @@ TEST(SymbolFormats, ErrorsBeforeTheFirstSymbolColumnStillEndTheRecord) {
   f.Define(0, kWord, 9, 0, "Outside", "d");
   f.Define(1, kLong, 0, 0, "Name", "gs");
   EXPECT_FALSE(f.Decode({0x00050064}));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
-  EXPECT_EQ(f.prompts.Messages().size(), 1u);
+  EXPECT_EQ(f.record.failureMessage, "Subscript out of range");
 }
 
 TEST(TimeStamps, StampColumnsShowTimeDateOrBoth) {
@@ -439,76 +436,47 @@ TEST(TimeStamps, StampColumnsShowTimeDateOrBoth) {
   f.Define(2, kLong, 0, 0, "Both", "t");
   f.Define(3, kLong, 0, 0, "Upper", "tH");
   ASSERT_TRUE(f.Decode({1115143025}));
-  EXPECT_EQ(f.LastRow().texts,
+  EXPECT_EQ(f.Texts(),
             (std::vector<std::string>{"14:30:25", "15/11/26", "15/11/26 14:30:25", "14:30:25"}));
-  EXPECT_EQ(f.LastRow().raw, "1115143025;1115143025;1115143025;1115143025");
+  EXPECT_EQ(f.Raw(), std::vector<int64_t>(4, 1115143025));
   ASSERT_TRUE(f.Decode({-5}));
-  EXPECT_EQ(f.LastRow().texts, std::vector<std::string>(4, "Invalid time"));
+  EXPECT_EQ(f.Texts(), std::vector<std::string>(4, "Invalid time"));
 }
 
 TEST(TimeStamps, TheYearOfADateIsThePCsAtDecodingTime) {
   DecoderFixture f;
   f.Define(0, kLong, 0, 0, "Date", "td");
   ASSERT_TRUE(f.Decode({1115143025}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "15/11/26");
-  f.loop.Advance(int64_t{50} * 24 * 3600 * 1000);  // into January 2027
+  EXPECT_EQ(f.Texts().at(0), "15/11/26");
+  f.clock.Advance(int64_t{50} * 24 * 3600 * 1000);  // into January 2027
   ASSERT_TRUE(f.Decode({1115143025}));
-  EXPECT_EQ(f.LastRow().texts.at(0), "15/11/27");
+  EXPECT_EQ(f.Texts().at(0), "15/11/27");
 }
 
-TEST(TimeStamps, EveryRecordIsStampedWithThePCsDateAndTime) {
-  DecoderFixture f;
-  f.Define(0, kWord, 0, 0, "W", "d");
-  ASSERT_TRUE(f.Decode({1}));
-  EXPECT_EQ(f.LastRow().date, "15/11/26");
-  EXPECT_EQ(f.LastRow().time, "08:15:30");
-  EXPECT_EQ(f.m.StatusDate, "15/11/26");
-  f.loop.Advance(1000);
-  ASSERT_TRUE(f.Decode({2}));
-  EXPECT_EQ(f.LastRow().time, "08:15:31");
-  EXPECT_EQ(f.m.StatusTime, "08:15:31");
-}
-
-TEST(RecordFailures, ReaderErrorsAreReportedButTheRecordIsAdded) {
+TEST(RecordFailures, ReaderErrorsAreCollectedAndTheRecordIsDecoded) {
   DecoderFixture f;
   f.Define(0, kByte, 0, 5, "Bad", "d");  // byte 5 is outside the byte table
   f.Define(1, kWord, 0, 0, "Good", "d");
   ASSERT_TRUE(f.Decode({9}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 0", " 9"}));
-  EXPECT_EQ(f.ReportedErrors(), std::vector<std::string>{"Error in ReadByte function."});
-  EXPECT_TRUE(f.prompts.Messages().empty());
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 0", " 9"}));
+  EXPECT_EQ(f.record.readerErrors, std::vector<std::string>{"Error in ReadByte function."});
+  // The next record starts without them.
+  f.Define(0, kByte, 0, 0, "Fixed", "d");
+  ASSERT_TRUE(f.Decode({9}));
+  EXPECT_TRUE(f.record.readerErrors.empty());
 }
 
-TEST(RecordFailures, ARegisterOutsideTheBlockEndsTheRecordWithoutARow) {
-  DecoderFixture f;
-  f.Define(0, kWord, 0, 0, "A", "d");
-  f.Define(1, kWord, 3, 0, "B", "d");
-  EXPECT_FALSE(f.Decode({1}));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
-  EXPECT_TRUE(f.host.Named("OutputLine").empty());
-  ASSERT_EQ(f.prompts.Messages().size(), 1u);
-  // The next complete record decodes as usual.
-  ASSERT_TRUE(f.Decode({1, 0, 0, 2}));
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 1", " 2"}));
-  EXPECT_EQ(f.host.Named("OutputLine").size(), 1u);
-}
-
-TEST(RecordFailures, RecordsPastTheEndOfAShortBlockAreEachReportedAlike) {
+TEST(RecordFailures, RecordsPastTheEndOfAShortBlockFailAlike) {
   DecoderFixture f;
   f.Define(0, kWord, 0, 0, "A", "d");
   f.Define(1, kWord, 1, 0, "B", "d");
   const std::vector<int32_t> block = {7, 8, 9};  // one record of two, and a part of the next
   ASSERT_TRUE(f.Decode(block, 0));
-  EXPECT_FALSE(f.Decode(block, 2));  // fails at its second column
-  EXPECT_FALSE(f.Decode(block, 4));  // starts past the end
-  EXPECT_EQ(f.m.grid.DataRowCount(), 1);
-  EXPECT_EQ(f.LastRow().texts, (std::vector<std::string>{" 7", " 8"}));
-  ASSERT_EQ(f.prompts.Messages().size(), 2u);
-  for (const auto& message : f.prompts.Messages()) {
-    EXPECT_EQ(message.text, "Subscript out of range");
-    EXPECT_EQ(message.title, "Vantrel");
-    EXPECT_EQ(message.icon, MessageIcon::Exclamation);
-    EXPECT_EQ(message.buttons, MessageButtons::Ok);
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 7", " 8"}));
+  for (const size_t first : {size_t{2}, size_t{4}}) {  // fails at its second column; past the end
+    EXPECT_FALSE(f.Decode(block, first));
+    EXPECT_EQ(f.record.failureNumber, 9);
+    EXPECT_EQ(f.record.failureMessage, "Subscript out of range");
   }
 }
 
@@ -518,7 +486,106 @@ TEST(RecordFailures, AStringReachingBeyondTheBlockEndsTheRecord) {
   c.StringLength = 8;
   c.ExtraRegisters = 1;
   EXPECT_FALSE(f.Decode({Packed("ABCD")}));
-  EXPECT_EQ(f.m.grid.DataRowCount(), 0);
+  EXPECT_EQ(f.record.failureMessage, "Subscript out of range");
+}
+
+// The typed value each rendering gives, and how the export and the graph read the cell.
+TEST(TypedCells, EachRenderingGivesItsValueAndReadings) {
+  struct TypedCase {
+    int16_t type;
+    const char* code;
+    int32_t reg;
+    ValueKind kind;
+    int64_t integer;
+    std::optional<double> number;
+    double plot;
+    bool serial;
+  };
+  const std::vector<TypedCase> cases = {
+      {kWord, "d", 7, ValueKind::Integer, 7, 7.0, 7.0, false},
+      {kWord, "2d", 1234, ValueKind::Decimal, 1234, 12.34, 12.34, false},
+      {kWord, "2sd", 65535, ValueKind::Decimal, -1, -0.01, -0.01, false},
+      {kBit, "d", 1, ValueKind::Integer, 1, 1.0, 1.0, false},
+      // A hexadecimal text of digits reads as a decimal number...
+      {kWord, "h", 0x0012, ValueKind::Text, 0, 12.0, 12.0, false},
+      // ... one with a "D" is a number with an exponent, which the graph reads without it.
+      {kWord, "h", 0x12D4, ValueKind::Text, 0, 120000.0, 12.0, false},
+      {kWord, "h", 0x00AB, ValueKind::Text, 0, std::nullopt, 0.0, false},
+      {kLong, "th", 1115143025, ValueKind::Timestamp, 0, std::nullopt, 0.0, true},
+      {kLong, "td", -5, ValueKind::Text, 0, std::nullopt, 0.0, false},
+      // "tx" is exported as text, but the stamp is still a time.
+      {kLong, "tx", 1115143025, ValueKind::Timestamp, 0, std::nullopt, 0.0, false},
+      // A column without a field type decodes nothing.
+      {9, "d", 5, ValueKind::None, 0, std::nullopt, 0.0, false},
+  };
+  for (const TypedCase& c : cases) {
+    SCOPED_TRACE(std::string("code ") + c.code + " register " + std::to_string(c.reg));
+    DecoderFixture f;
+    f.Define(0, c.type, 0, 0, "C", c.code);
+    ASSERT_TRUE(f.Decode({c.reg}));
+    const CellValue value = f.record.cells.Value(0);
+    EXPECT_EQ(value.kind, c.kind);
+    if (c.kind == ValueKind::Integer || c.kind == ValueKind::Decimal) {
+      EXPECT_EQ(value.integer, c.integer);
+    }
+    EXPECT_EQ(f.record.cells.Number(0), c.number);
+    EXPECT_EQ(f.record.cells.Plot(0), c.plot);
+    EXPECT_EQ(f.record.cells.Serial(0).has_value(), c.serial);
+  }
+}
+
+TEST(TypedCells, AStampsValueIsTheSerialOfTheTimeShown) {
+  DecoderFixture f;
+  f.Define(0, kLong, 0, 0, "Both", "t");
+  ASSERT_TRUE(f.Decode({1115143025}));
+  const CellValue value = f.record.cells.Value(0);
+  ASSERT_EQ(value.kind, ValueKind::Timestamp);
+  // 15 November 2026, 14:30:25.
+  EXPECT_DOUBLE_EQ(value.real, 46341.0 + (14 * 3600 + 30 * 60 + 25) / 86400.0);
+  EXPECT_EQ(f.record.cells.Serial(0), value.real);
+}
+
+// The decoder reads its own decimal texts without parsing them; that must give exactly what
+// reading the text gives, or exports and graphs would change.
+TEST(TypedCells, DecimalReadingsAreThoseOfTheirTexts) {
+  const std::vector<int64_t> values = {
+      0,          1,         -1,        5,          -5,
+      99,         1234,      -1234,     65535,      -32768,
+      2147483647, INT32_MIN, 100000001, -987654321, 4503599627370495};
+  for (const char separator : {'.', ','}) {
+    for (int decimals = 0; decimals <= 23; ++decimals) {
+      for (const int64_t value : values) {
+        const std::string text = DecimalText(value, decimals, separator);
+        SCOPED_TRACE(text);
+        const CellReading fast = ReadDecimalCell(text, value, decimals, separator, false);
+        const CellReading read = ReadCellText(text, separator, false);
+        EXPECT_EQ(fast.number, read.number);
+        EXPECT_EQ(fast.plot, read.plot);
+      }
+    }
+  }
+}
+
+TEST(TypedCells, TheGraphReadsNumbersAsItAlwaysHas) {
+  struct ReadCase {
+    const char* text;
+    std::optional<double> number;
+    double plot;
+  };
+  for (const ReadCase& c : std::vector<ReadCase>{
+           {" 12", 12.0, 12.0},
+           {"&H1F", 31.0, 0.0},
+           {"1D3", 1000.0, 1.0},
+           {"1E3", 1000.0, 1000.0},
+           {"12 3", std::nullopt, 0.0},
+           {"", std::nullopt, 0.0},
+           {"----------------", std::nullopt, 0.0},
+       }) {
+    SCOPED_TRACE(c.text);
+    const CellReading reading = ReadCellText(c.text, '.', false);
+    EXPECT_EQ(reading.number, c.number);
+    EXPECT_EQ(reading.plot, c.plot);
+  }
 }
 
 }  // namespace

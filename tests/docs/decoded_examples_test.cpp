@@ -169,11 +169,11 @@ Decoded Decode(const Example& e) {
     out.error = "the record was not decoded";
     return out;
   }
-  const int row = m.grid.RowCount() - 1;
-  const int columns = m.grid.ColumnCount();
-  for (int c = 4; c < columns - 2; ++c)
-    out.shows += std::string(c > 4 ? "<br>" : "") + std::string(m.grid.Text(row, c));
-  out.raw = std::string(m.grid.Text(row, columns - 2));
+  const TableRow& row = m.grid.Row(m.grid.RowCount() - 1);
+  for (size_t c = kFirstTraceColumn; c < row.cells.Size(); ++c) {
+    out.shows += std::string(c > kFirstTraceColumn ? "<br>" : "") + std::string(row.cells.Text(c));
+    out.raw += std::string(c > kFirstTraceColumn ? ";" : "") + std::to_string(row.cells.Raw(c));
+  }
   return out;
 }
 

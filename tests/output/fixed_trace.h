@@ -33,16 +33,14 @@ struct FixedTrace : ModuleFixture {
     m.props.TimeStampCol = true;
     m.props.PCDStatusCol = true;
     m.PCDStatusText = "Run";
-    m.StatusDate = "15/11/26";
     const char* rows[][5] = {
         {"08:15:30", " 12,50", "14/11/26 23:59:58", "Running", "plain"},
         {"08:15:31", "-3,25", "15/11/26 00:00:01", "Stop, then \"wait\"", "caf\xE9"},
         {"08:15:32", " 0", "31/12/99 12:00:00", "Idle", "line"},
     };
     for (const auto& row : rows) {
-      m.StatusTime = row[0];
-      AddRecordRow(m, std::string("\t") + row[1] + "\t" + row[2] + "\t" + row[3] + "\t" + row[4],
-                   "", "");
+      StampAt(row[0]);
+      AddTextRow({row[1], row[2], row[3], row[4]});
     }
     AddMissRow(m, 4);
     m.description.Title = "Pump station";

@@ -37,16 +37,14 @@ struct DecodedTrace : testing::ModuleFixture {
     m.props.DateStampCol = true;
     m.props.TimeStampCol = true;
     m.PCDStatusText = "Run";
-    m.StatusDate = "15/11/26";
     const char* rows[][4] = {{"08:15:30", " 12", "14/11/26 23:59:58", "Running"},
                              {"08:15:31", "-3.25", "15/11/26 00:00:01", "Stopping"},
                              {"08:15:32", "1E3", "31/12/99 12:00:00", "Idle"}};
     int i = 0;
     for (const auto& row : rows) {
-      m.StatusTime = row[0];
+      StampAt(row[0]);
       const std::string note = i == 2 ? std::string(300, 'n') : "note" + std::to_string(i);
-      AddRecordRow(m, std::string("\t") + row[1] + "\t" + row[2] + "\t" + row[3] + "\t" + note, "",
-                   "");
+      AddTextRow({row[1], row[2], row[3], note});
       ++i;
     }
     m.props.ExportFile = dir.File("trace.xls");

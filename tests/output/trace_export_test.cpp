@@ -9,9 +9,9 @@
 #include <fstream>
 
 #include "decoding/row_bookkeeping.h"
-#include "output/date_serial.h"
 #include "output/export_naming.h"
 #include "output/output_steps.h"
+#include "platform/date_serial.h"
 #include "support/biff_reader.h"
 #include "support/module_fixture.h"
 #include "support/temp_dir.h"
@@ -49,13 +49,12 @@ struct ExportFixture : testing::ModuleFixture {
     Define(1, 4, 0, 0, "Level", "d", 900);
     Define(2, 5, 1, 0, "Stamp", "t", 1700);
     Define(3, 5, 2, 0, "Name", "gs", 1400);
-    Build();  // columns: number, date, time, status, Level, Stamp, Name, raw, comment
-    m.StatusDate = "15/11/26";
-    m.StatusTime = "08:15:30";
+    Build();  // columns: number, date, time, status, Level, Stamp, Name
+    StampAt(8, 15, 30);
     m.PCDStatusText = "Run";
-    AddRecordRow(m, "\t 12\t14/11/26 23:59:58\tPump", "", "");
-    m.StatusTime = "08:15:31";
-    AddRecordRow(m, "\t-3.5\t15/11/26 00:00:01\tValve", "", "");
+    AddTextRow({" 12", "14/11/26 23:59:58", "Pump"});
+    StampAt(8, 15, 31);
+    AddTextRow({"-3.5", "15/11/26 00:00:01", "Valve"});
     m.props.ExportFile = dir.File("trace.xls");
     m.services.currentDirectory = dir.Path().string();
   }
@@ -93,8 +92,8 @@ TEST(Export, ShownColumnsWithTheirWidthsAndTheTableEmptied) {
 TEST(Export, SelectedColumnsOnlyWhateverTheStampsSay) {
   ExportFixture f;
   f.m.props.DateStampCol = true;
-  f.m.grid.SetHeaderBackColor(4, kColorYellow);
-  f.m.grid.SetHeaderBackColor(6, kColorYellow);
+  f.m.grid.SetSelected(4, true);
+  f.m.grid.SetSelected(6, true);
   ExportFromButton(f.m);
   const BiffSheet sheet = f.Sheet();
   EXPECT_EQ(sheet.Cell(1, 1)->text, "Level");
@@ -118,19 +117,20 @@ TEST(Export, HiddenStampColumnsAreLeftOut) {
 TEST(Export, NumbersFollowTheTableDecimalSeparator) {
   ExportFixture f;
   f.m.decimalSeparator = ',';
-  AddRecordRow(f.m, "\t12,5\t\tabc", "", "");
+  f.AddTextRow({"12,5", "", "abc"});
+  f.AddTextRow({"-3.5", "", "x"});
   ExportFromButton(f.m);
   const BiffSheet sheet = f.Sheet();
   EXPECT_EQ(sheet.Cell(4, 1)->id, 3);
   EXPECT_DOUBLE_EQ(sheet.Cell(4, 1)->number, 12.5);
-  EXPECT_EQ(sheet.Cell(3, 1)->id, 4) << "-3.5 is not a number with a comma separator";
+  EXPECT_EQ(sheet.Cell(5, 1)->id, 4) << "-3.5 is not a number with a comma separator";
   EXPECT_EQ(sheet.Cell(4, 2), nullptr) << "an empty cell stays empty";
   EXPECT_EQ(sheet.Cell(4, 3)->text, "abc");
 }
 
 TEST(Export, AFailedColumnStopsAloneAndIsReportedWhenCommanded) {
   ExportFixture f;
-  AddRecordRow(f.m, "\t1\tInvalid time\t" + std::string(256, 'x'), "", "");
+  f.AddTextRow({"1", "Invalid time", std::string(256, 'x')});
   f.m.CommandedExport = true;
   ExportFromButton(f.m);
   const BiffSheet sheet = f.Sheet();
@@ -151,7 +151,7 @@ TEST(Export, AFailedColumnStopsAloneAndIsReportedWhenCommanded) {
 
 TEST(Export, AutomaticExportsShowNothing) {
   ExportFixture f;
-  AddRecordRow(f.m, "\t1\tInvalid time\tx", "", "");
+  f.AddTextRow({"1", "Invalid time", "x"});
   f.m.CommandedExport = true;
   f.m.props.AutoExport = true;
   ExportFromButton(f.m);
@@ -175,7 +175,7 @@ TEST(Export, NoColumnToWriteKeepsTheTableAndRemovesTheFile) {
   testing::ModuleFixture f;
   testing::TempDir dir;
   f.Build();  // no trace column: only the stamp columns, all hidden
-  AddRecordRow(f.m, "", "", "");
+  f.AddTextRow({});
   f.m.props.ExportFile = dir.File("empty.xls");
   f.m.CommandedExport = true;
   ExportFromButton(f.m);
@@ -219,7 +219,7 @@ TEST(Export, NamingModesWriteTheirFiles) {
   EXPECT_EQ(f.m.props.ExportFile, f.dir.File("Vantrel.xls"));
   EXPECT_TRUE(f.Sheet("Vantrel_261115081530.xls").wellFormed);
 
-  AddRecordRow(f.m, "\t1\t\t", "", "");
+  f.AddTextRow({"1", "", ""});
   f.m.props.IndexFile = 2;
   f.m.buffer.ExportIndex = 7;
   ExportFromButton(f.m);

@@ -123,7 +123,7 @@ TEST(XlsxExport, ANewWorkbookGetsTheUsualPermissionsAndAnOldOneKeepsItsOwn) {
 
   fs::permissions(path, fs::perms(0640));
   for (int row = 0; row < 2; ++row)
-    AddRecordRow(trace.m, "\t1\t15/11/26 00:00:01\tx\ty", "", "");
+    trace.AddTextRow({"1", "15/11/26 00:00:01", "x", "y"});
   trace.Export(1, "trace.xlsx");
   EXPECT_EQ(trace.m.grid.DataRowCount(), 0);
   EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));

@@ -242,9 +242,8 @@ class WidgetTest : public QObject {
     QTest::mouseClick(r.widget.GraphButton(), Qt::LeftButton);
     auto* chart = static_cast<vantrel::qt::GraphView*>(r.widget.Chart());
     const QAbstractItemModel* model = r.widget.Table()->model();
-    // Data columns are the model's columns after the three stamp columns and before the
-    // two hidden lines.
-    QTRY_COMPARE(chart->SeriesCount(), model->columnCount() - 5);
+    // Data columns are the model's columns after the three stamp columns.
+    QTRY_COMPARE(chart->SeriesCount(), model->columnCount() - 3);
     // Three rows fill the first three of the 20 points.
     QCOMPARE(chart->Series(0)->count(), 3);
   }
@@ -378,9 +377,6 @@ class WidgetTest : public QObject {
     r.control().SetDateStampCol(true);
     QVERIFY(!table->isColumnHidden(date));
     QCOMPARE(table->columnWidth(date), 73);
-    // The raw-value and comment lines are never shown.
-    QVERIFY(table->isColumnHidden(table->model()->columnCount() - 1));
-    QVERIFY(table->isColumnHidden(table->model()->columnCount() - 2));
   }
 
   void narrowColumnsAreDrawnWideEnoughForTheirTexts() {

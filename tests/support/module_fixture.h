@@ -3,9 +3,12 @@
 // the trace description can be filled by hand and the table built from it.
 
 #include <string>
+#include <vector>
 
 #include "control/module.h"
+#include "decoding/cell_reading.h"
 #include "decoding/grid_setup.h"
+#include "decoding/row_bookkeeping.h"
 #include "support/recording_host.h"
 
 namespace vantrel::testing {
@@ -35,6 +38,33 @@ struct ModuleFixture {
   }
 
   void Build() { BuildGrid(m); }
+
+  // Trace cells of these texts, each read as the cells of its table column are.
+  CellRow TextCells(const std::vector<std::string>& texts) const {
+    CellRow cells;
+    for (size_t i = 0; i < texts.size(); ++i) {
+      const int column = kFirstTraceColumn + static_cast<int>(i);
+      bool date = false;
+      if (column < m.grid.ColumnCount()) {
+        const auto definition = static_cast<size_t>(m.grid.ColumnData(column));
+        date = IsDateKind(ExportKindOfCode(m.description.Columns[definition].DisplayCode));
+      }
+      cells.Append(texts[i], {}, 0, CellValue::Text(),
+                   ReadCellText(texts[i], m.decimalSeparator, date));
+    }
+    return cells;
+  }
+  // Appends a record row of these texts.
+  void AddTextRow(const std::vector<std::string>& texts) { AddRecordRow(m, TextCells(texts)); }
+  // Stamps the next rows with the clock's time moved to `hour`:`minute`:`second`.
+  void StampAt(int hour, int minute, int second, int day = 15) {
+    SetRowStamp(m, DateTime{2026, 11, day, hour, minute, second, 0});
+  }
+  // The same from "hh:mm:ss".
+  void StampAt(const std::string& hhmmss) {
+    StampAt(std::stoi(hhmmss.substr(0, 2)), std::stoi(hhmmss.substr(3, 2)),
+            std::stoi(hhmmss.substr(6, 2)));
+  }
 };
 
 }  // namespace vantrel::testing

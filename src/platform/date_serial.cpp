@@ -1,4 +1,4 @@
-#include "output/date_serial.h"
+#include "platform/date_serial.h"
 
 #include <charconv>
 #include <cmath>

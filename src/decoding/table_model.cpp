@@ -3,53 +3,9 @@
 #include <algorithm>
 
 #include "platform/runtime_error.h"
+#include "vantrel/surface.h"
 
 namespace vantrel {
-
-// Cells are stored one after the other with a one-byte gap between neighbours, so that a
-// row given as tab-separated text is taken over with one copy.
-constexpr char kCellGap = '\t';
-
-size_t TableModel::Row::Begin(size_t i) const {
-  return i == 0 ? 0 : ends[i - 1] + 1;
-}
-
-std::string_view TableModel::Row::Cell(size_t i) const {
-  const size_t begin = Begin(i);
-  return std::string_view(text).substr(begin, ends[i] - begin);
-}
-
-void TableModel::Row::Resize(size_t cells) {
-  if (cells < ends.size()) {
-    text.resize(cells == 0 ? 0 : ends[cells - 1]);
-    ends.resize(cells);
-  }
-  while (ends.size() < cells)
-    AppendCell({});
-}
-
-void TableModel::Row::AppendCell(std::string_view value) {
-  if (!ends.empty()) text += kCellGap;
-  text += value;
-  ends.push_back(static_cast<uint32_t>(text.size()));
-}
-
-void TableModel::Row::Set(size_t i, std::string_view value) {
-  const size_t begin = Begin(i);
-  const size_t oldLength = ends[i] - begin;
-  text.replace(begin, oldLength, value);
-  const auto delta = static_cast<int64_t>(value.size()) - static_cast<int64_t>(oldLength);
-  for (size_t k = i; k < ends.size(); ++k) {
-    ends[k] = static_cast<uint32_t>(static_cast<int64_t>(ends[k]) + delta);
-  }
-}
-
-void TableModel::Row::ClearCells() {
-  const size_t cells = ends.size();
-  text.assign(cells == 0 ? 0 : cells - 1, kCellGap);
-  for (size_t i = 0; i < cells; ++i)
-    ends[i] = static_cast<uint32_t>(i);
-}
 
 template <typename F>
 void TableModel::Notify(F&& f) {
@@ -61,9 +17,9 @@ void TableModel::SetColumnCount(int columns) {
   columns = std::max(columns, 0);
   const auto count = static_cast<size_t>(columns);
   columns_.resize(count);
-  header_.Resize(count);
-  for (Row& row : rows_)
-    row.Resize(count);
+  header_.resize(count);
+  for (TableRow& row : rows_)
+    row.cells.Resize(count);
   Notify([](TableObserver& o) { o.TableReset(); });
 }
 
@@ -76,8 +32,8 @@ void TableModel::SetRowCount(int rows) {
     Notify([&](TableObserver& o) { o.RowsRemoved(removedFrom, removed); });
   } else if (dataRows > rows_.size()) {
     const int first = RowCount();
-    Row empty;
-    empty.Resize(columns_.size());
+    TableRow empty;
+    empty.cells.Resize(columns_.size());
     const int added = static_cast<int>(dataRows - rows_.size());
     rows_.resize(dataRows, empty);
     Notify([&](TableObserver& o) { o.RowsAppended(first, added); });
@@ -85,13 +41,13 @@ void TableModel::SetRowCount(int rows) {
   if (topRow_ >= RowCount()) topRow_ = std::max(1, RowCount() - 1);
 }
 
-const TableModel::Row& TableModel::RowAt(int row) const {
-  if (row < 0 || row >= RowCount()) throw RuntimeError::SubscriptOutOfRange();
-  return row == 0 ? header_ : rows_[static_cast<size_t>(row - 1)];
+const TableRow& TableModel::Row(int row) const {
+  if (row < 1 || row >= RowCount()) throw RuntimeError::SubscriptOutOfRange();
+  return rows_[static_cast<size_t>(row - 1)];
 }
 
-TableModel::Row& TableModel::RowAt(int row) {
-  return const_cast<Row&>(static_cast<const TableModel*>(this)->RowAt(row));
+TableRow& TableModel::DataRow(int row) {
+  return const_cast<TableRow&>(Row(row));
 }
 
 void TableModel::CheckColumn(int column) const {
@@ -100,12 +56,17 @@ void TableModel::CheckColumn(int column) const {
 
 std::string_view TableModel::Text(int row, int column) const {
   CheckColumn(column);
-  return RowAt(row).Cell(static_cast<size_t>(column));
+  if (row == 0) return header_[static_cast<size_t>(column)];
+  return Row(row).cells.Text(static_cast<size_t>(column));
 }
 
 void TableModel::SetText(int row, int column, std::string_view text) {
   CheckColumn(column);
-  RowAt(row).Set(static_cast<size_t>(column), text);
+  if (row == 0) {
+    header_[static_cast<size_t>(column)] = text;
+  } else {
+    DataRow(row).cells.SetText(static_cast<size_t>(column), text);
+  }
   Notify([&](TableObserver& o) { o.CellChanged(row, column); });
 }
 
@@ -141,56 +102,34 @@ void TableModel::SetColumnData(int column, int32_t data) {
   columns_[static_cast<size_t>(column)].data = data;
 }
 
-int32_t TableModel::HeaderBackColor(int column) const {
+bool TableModel::Selected(int column) const {
   CheckColumn(column);
-  return columns_[static_cast<size_t>(column)].headerBackColor;
+  return columns_[static_cast<size_t>(column)].selected;
 }
 
-void TableModel::SetHeaderBackColor(int column, int32_t color) {
+void TableModel::SetSelected(int column, bool selected) {
   CheckColumn(column);
-  columns_[static_cast<size_t>(column)].headerBackColor = color;
+  columns_[static_cast<size_t>(column)].selected = selected;
   Notify([&](TableObserver& o) { o.ColumnChanged(column); });
 }
 
-TableModel::Row TableModel::TakeSpareRow() {
-  Row row = std::move(spare_);
-  row.text.clear();
-  row.ends.clear();
+int32_t TableModel::HeaderBackColor(int column) const {
+  return Selected(column) ? kColorYellow : 0;
+}
+
+TableRow TableModel::TakeSpareRow() {
+  TableRow row = std::move(spare_);
+  spare_ = TableRow{};
+  row.kind = RowKind::Record;
+  row.recordNumber = 0;
+  row.pcTime = {};
+  row.missed = 0;
+  row.cells.Clear();
   return row;
 }
 
-void TableModel::AddRow(std::span<const std::string> cells) {
-  Row row = TakeSpareRow();
-  const size_t count = columns_.size();
-  row.ends.reserve(count);
-  for (size_t i = 0; i < count; ++i)
-    row.AppendCell(i < cells.size() ? std::string_view(cells[i]) : std::string_view());
-  rows_.push_back(std::move(row));
-  const int added = RowCount() - 1;
-  Notify([&](TableObserver& o) { o.RowsAppended(added, 1); });
-}
-
-void TableModel::AddItem(std::string_view tabSeparated) {
-  Row row = TakeSpareRow();
-  const size_t count = columns_.size();
-  row.ends.reserve(count);
-  if (count > 0) {
-    // The tabs become the gaps between cells: the cells only need their ends found.
-    row.text.assign(tabSeparated);
-    size_t start = 0;
-    while (row.ends.size() < count) {
-      const size_t tab = tabSeparated.find('\t', start);
-      if (tab == std::string_view::npos) break;
-      if (row.ends.size() + 1 == count) {
-        row.text.resize(tab);  // cells beyond the column count are dropped
-        break;
-      }
-      row.ends.push_back(static_cast<uint32_t>(tab));
-      start = tab + 1;
-    }
-    row.ends.push_back(static_cast<uint32_t>(row.text.size()));
-    row.Resize(count);
-  }
+void TableModel::AddRow(TableRow row) {
+  row.cells.Resize(columns_.size());
   rows_.push_back(std::move(row));
   const int added = RowCount() - 1;
   Notify([&](TableObserver& o) { o.RowsAppended(added, 1); });
@@ -211,9 +150,10 @@ void TableModel::RemoveRow(int row) {
 }
 
 void TableModel::ClearCells() {
-  header_.ClearCells();
-  for (Row& row : rows_)
-    row.ClearCells();
+  for (std::string& caption : header_)
+    caption.clear();
+  for (TableRow& row : rows_)
+    row.cells.ClearCells();
   Notify([](TableObserver& o) { o.TableReset(); });
 }
 

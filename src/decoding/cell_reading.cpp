@@ -1,0 +1,69 @@
+#include "decoding/cell_reading.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "platform/date_serial.h"
+#include "platform/numbers.h"
+#include "platform/text.h"
+
+namespace vantrel {
+namespace {
+
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int64_t kExactIntegerLimit = int64_t{1} << 53;
+
+// A number needs a decimal digit, or a "&H" / "&O" literal.
+bool MayBeNumber(std::string_view text) {
+  for (const char c : text) {
+    if ((c >= '0' && c <= '9') || c == '&') return true;
+  }
+  return false;
+}
+
+// The graph's reading of a numeric text: as C reads it, with the table's separator as the
+// point, so a "&H" literal reads 0 and a "D" exponent is not part of the number.
+double GraphNumber(std::string_view text, char separator) {
+  std::string normal(text);
+  for (char& c : normal) {
+    if (c == separator) c = '.';
+  }
+  return std::strtod(normal.c_str(), nullptr);
+}
+
+}  // namespace
+
+ExportCellKind ExportKindOfCode(std::string_view code) {
+  if (code.empty() || FoldCase(code[0]) != 't') return ExportCellKind::General;
+  const char second = code.size() > 1 ? FoldCase(code[1]) : '\0';
+  if (second == 'x') return ExportCellKind::Text;
+  if (second == 'd') return ExportCellKind::Date;
+  if (second == 'h') return ExportCellKind::Time;
+  return ExportCellKind::DateTime;
+}
+
+CellReading ReadCellText(std::string_view text, char decimalSeparator, bool dateColumn) {
+  CellReading reading;
+  if (MayBeNumber(text)) {
+    reading.number = NumberValue(text, decimalSeparator);
+    if (reading.number) reading.plot = GraphNumber(text, decimalSeparator);
+  }
+  if (dateColumn) reading.serial = DateSerialFromText(text);
+  return reading;
+}
+
+CellReading ReadDecimalCell(std::string_view text, int64_t value, int decimals,
+                            char decimalSeparator, bool dateColumn) {
+  if (dateColumn || decimals > 22 || value >= kExactIntegerLimit || value <= -kExactIntegerLimit)
+    return ReadCellText(text, decimalSeparator, dateColumn);
+  // Both readings round the exact quotient to the nearest double, as reading the text does.
+  const double number =
+      decimals <= 0 ? static_cast<double>(value)
+                    : static_cast<double>(value) / kExactPowersOfTen[static_cast<size_t>(decimals)];
+  return {number, number, std::nullopt};
+}
+
+}  // namespace vantrel

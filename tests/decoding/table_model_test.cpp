@@ -1,0 +1,184 @@
+// The record table: rows kept as values, their cells reshaped with the columns, the oldest
+// row dropped in constant time without leaking into the next, the selection, and what
+// observers are told.
+
+#include "vantrel/table_model.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/runtime_error.h"
+#include "vantrel/surface.h"
+
+namespace vantrel {
+namespace {
+
+using Cells = std::vector<std::string>;
+
+Cells Texts(const TableModel& t, int row) {
+  Cells cells;
+  for (int c = 0; c < t.ColumnCount(); ++c)
+    cells.emplace_back(t.Text(row, c));
+  return cells;
+}
+
+// A record row of text cells, built in the table's spare row as the control builds its rows.
+void AddTexts(TableModel& t, const Cells& texts, RowKind kind = RowKind::Record) {
+  TableRow row = t.TakeSpareRow();
+  row.kind = kind;
+  for (const std::string& text : texts)
+    row.cells.Append(text, "note " + text, static_cast<int64_t>(text.size()), CellValue::Text(),
+                     {static_cast<double>(text.size()), 1.5, std::nullopt});
+  t.AddRow(std::move(row));
+}
+
+struct Recorder : TableObserver {
+  std::vector<std::string> calls;
+  void TableReset() override { calls.push_back("reset"); }
+  void RowsAppended(int first, int count) override {
+    calls.push_back("append " + std::to_string(first) + "+" + std::to_string(count));
+  }
+  void RowsRemoved(int first, int count) override {
+    calls.push_back("remove " + std::to_string(first) + "+" + std::to_string(count));
+  }
+};
+
+TEST(TableModel, RowsAreKeptAsValuesShapedToTheColumns) {
+  TableModel t;
+  t.SetColumnCount(4);
+  AddTexts(t, {"1", "", "c", "d", "extra"});
+  AddTexts(t, {"x"}, RowKind::Miss);
+  ASSERT_EQ(t.RowCount(), 3);
+  EXPECT_EQ(Texts(t, 1), (Cells{"1", "", "c", "d"}));
+  EXPECT_EQ(Texts(t, 2), (Cells{"x", "", "", ""}));
+  const TableRow& row = t.Row(1);
+  EXPECT_EQ(row.kind, RowKind::Record);
+  EXPECT_EQ(row.cells.Comment(2), "note c");
+  EXPECT_EQ(row.cells.Raw(3), 1);
+  EXPECT_EQ(row.cells.Number(3), 1.0);
+  EXPECT_EQ(row.cells.Plot(3), 1.5);
+  EXPECT_EQ(t.Row(2).kind, RowKind::Miss);
+  EXPECT_EQ(t.Row(2).cells.Number(1), std::nullopt) << "an added empty cell reads as nothing";
+}
+
+TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
+  TableModel t;
+  t.SetColumnCount(3);
+  AddTexts(t, {"a", "b", "c"});
+  t.SetText(1, 1, "longer text");
+  t.SetText(1, 0, "");
+  EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text", "c"}));
+  EXPECT_EQ(t.Row(1).cells.Comment(2), "note c");
+  t.SetColumnCount(2);
+  EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text"}));
+  t.SetColumnCount(4);
+  EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text", "", ""}));
+}
+
+TEST(TableModel, ARowAppendedAfterTheOldestWasDroppedStartsClean) {
+  // The dropped row's buffers are reused: nothing of its cells may show in the new row.
+  TableModel t;
+  t.SetColumnCount(3);
+  AddTexts(t, {"a long first cell", "second", "third"}, RowKind::Restart);
+  AddTexts(t, {"b", "c", "d"});
+  t.RemoveRow(1);
+  AddTexts(t, {"x"});
+  ASSERT_EQ(t.DataRowCount(), 2);
+  EXPECT_EQ(Texts(t, 2), (Cells{"x", "", ""}));
+  EXPECT_EQ(t.Row(2).kind, RowKind::Record);
+  EXPECT_EQ(t.Row(2).cells.Comment(1), "");
+  EXPECT_EQ(t.Row(2).cells.Raw(1), 0);
+}
+
+TEST(TableModel, RemovingTheOldestRowKeepsTheOrderAndTellsObservers) {
+  TableModel t;
+  Recorder r;
+  t.SetColumnCount(1);
+  t.AddObserver(&r);
+  for (int i = 1; i <= 4; ++i)
+    AddTexts(t, {std::to_string(i)});
+  t.RemoveRow(1);
+  t.RemoveRow(2);
+  ASSERT_EQ(t.DataRowCount(), 2);
+  EXPECT_EQ(t.Text(1, 0), "2");
+  EXPECT_EQ(t.Text(2, 0), "4");
+  EXPECT_EQ(r.calls, (std::vector<std::string>{"append 1+1", "append 2+1", "append 3+1",
+                                               "append 4+1", "remove 1+1", "remove 2+1"}));
+}
+
+TEST(TableModel, OutOfRangeCellsAreTrappedErrors) {
+  TableModel t;
+  t.SetColumnCount(2);
+  EXPECT_THROW(static_cast<void>(t.Text(1, 0)), RuntimeError);
+  EXPECT_THROW(static_cast<void>(t.Row(0)), RuntimeError);
+  EXPECT_THROW(static_cast<void>(t.Text(0, 2)), RuntimeError);
+  EXPECT_THROW(t.RemoveRow(0), RuntimeError);
+  EXPECT_THROW(t.SetColumnWidth(-1, 10), RuntimeError);
+  EXPECT_THROW(t.SetSelected(2, true), RuntimeError);
+}
+
+TEST(TableModel, ClearCellsEmptiesTextsButKeepsTheShape) {
+  TableModel t;
+  t.SetColumnCount(2);
+  t.SetText(0, 1, "Caption");
+  t.SetColumnWidth(1, 900);
+  AddTexts(t, {"a", "b"});
+  t.ClearCells();
+  EXPECT_EQ(t.RowCount(), 2);
+  EXPECT_EQ(t.Text(0, 1), "");
+  EXPECT_EQ(Texts(t, 1), (Cells{"", ""}));
+  EXPECT_EQ(t.Row(1).cells.Number(1), std::nullopt);
+  EXPECT_EQ(t.ColumnWidth(1), 900);
+}
+
+TEST(TableModel, SetRowCountAddsEmptyRowsOrDropsFromTheBottom) {
+  TableModel t;
+  t.SetColumnCount(1);
+  AddTexts(t, {"a"});
+  AddTexts(t, {"b"});
+  t.SetRowCount(2);
+  EXPECT_EQ(t.DataRowCount(), 1);
+  EXPECT_EQ(t.Text(1, 0), "a");
+  t.SetRowCount(4);
+  EXPECT_EQ(t.DataRowCount(), 3);
+  EXPECT_EQ(t.Text(3, 0), "");
+  t.SetRowCount(0);
+  EXPECT_EQ(t.RowCount(), 1);
+}
+
+TEST(TableModel, TheSelectionIsASetOfColumnsShownAsAYellowHeader) {
+  TableModel t;
+  Recorder r;
+  t.SetColumnCount(3);
+  t.AddObserver(&r);
+  t.SetSelected(2, true);
+  EXPECT_TRUE(t.Selected(2));
+  EXPECT_FALSE(t.Selected(1));
+  EXPECT_EQ(t.HeaderBackColor(2), kColorYellow);
+  EXPECT_EQ(t.HeaderBackColor(1), 0);
+  t.SetSelected(2, false);
+  EXPECT_EQ(t.HeaderBackColor(2), 0);
+}
+
+TEST(CellRow, CellsAppendedFromAnotherRowKeepTheirTextsAndReadings) {
+  CellRow stamps;
+  stamps.Append("7", {}, 7, CellValue::Integer(7), {7.0, 7.0, std::nullopt});
+  CellRow traced;
+  traced.Append("Auto", "by hand", 2, CellValue::Text(), {});
+  traced.Append("15/11/26", {}, 0, CellValue::Timestamp(46341.0), {std::nullopt, 0, 46341.0});
+  stamps.AppendAll(traced);
+  ASSERT_EQ(stamps.Size(), 3u);
+  EXPECT_EQ(stamps.Text(1), "Auto");
+  EXPECT_EQ(stamps.Comment(1), "by hand");
+  EXPECT_EQ(stamps.Comment(2), "");
+  EXPECT_EQ(stamps.Text(2), "15/11/26");
+  EXPECT_EQ(stamps.Serial(2), 46341.0);
+  EXPECT_EQ(stamps.Value(2).kind, ValueKind::Timestamp);
+  EXPECT_EQ(stamps.Value(0).integer, 7);
+  stamps.Resize(2);
+  EXPECT_EQ(stamps.Text(1), "Auto");
+  stamps.Append("x", "y", 0, {}, {});
+  EXPECT_EQ(stamps.Comment(2), "y");
+}
+
+}  // namespace
+}  // namespace vantrel
