@@ -8,17 +8,16 @@
 // VANTREL_SOAK_HISTORY=1).
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <chrono>
 #include <cstdlib>
-#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "hosts/virtual_host.h"
 #include "support/postgres_server.h"
+#include "vantrel/history/history_reader.h"
 #include "vantrel/history/postgres_history.h"
 #include "vantrel/history/sqlite_history.h"
 
@@ -42,18 +41,6 @@ struct Totals {
   int outages = 0;
   int oldestShownAfterMiss = 0;
 };
-
-int64_t HistoryCount(const std::string& path, const char* sql) {
-  sqlite3* db = nullptr;
-  sqlite3_stmt* statement = nullptr;
-  sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
-  sqlite3_prepare_v2(db, sql, -1, &statement, nullptr);
-  const int64_t value =
-      sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : -1;
-  sqlite3_finalize(statement);
-  sqlite3_close(db);
-  return value;
-}
 
 double BudgetSeconds() {
   const char* text = std::getenv("VANTREL_SOAK_SECONDS");
@@ -260,12 +247,13 @@ void Soak(ServerOutage* postgres) {
   recordHistory->Flush();
   EXPECT_EQ(recordHistory->LastError(), "");
   recordHistory.reset();
-  EXPECT_EQ(
-      HistoryCount(plant.dir.File("soak.db"), "SELECT count(*) FROM rows WHERE kind = 'record'"),
-      totals.shown);
   // The Miss rows' own counts include the oldest records a reload showed as well.
-  EXPECT_EQ(HistoryCount(plant.dir.File("soak.db"), "SELECT total(missed) FROM rows"),
-            totals.missed + totals.oldestShownAfterMiss);
+  const auto reader = history::HistoryReader::Open(plant.dir.File("soak.db"), historyError);
+  ASSERT_TRUE(reader) << historyError;
+  const std::vector<history::BufferSummary> buffers = reader->Buffers(historyError);
+  ASSERT_EQ(buffers.size(), 1u) << historyError;
+  EXPECT_EQ(buffers[0].records, totals.shown);
+  EXPECT_EQ(buffers[0].missed, totals.missed + totals.oldestShownAfterMiss);
 }
 
 TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
