@@ -1,7 +1,7 @@
 #pragma once
 // A host for end-to-end tests: a control reading a trace program's register space, answered
-// inside the request event or one turn of the event loop later, and the description that
-// decodes its records.
+// inside the request event or later on the event loop (late, or not at all while its link is
+// down, for the fault soak), and the description that decodes its records.
 
 #include <gtest/gtest.h>
 
