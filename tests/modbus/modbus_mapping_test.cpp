@@ -52,6 +52,8 @@ TEST(ModbusMapping, ReadsOutsideTheAddressSpaceOrUnmappedAreErrors) {
   ModbusMapping m;
   std::string error;
   ExpectWholeCover(m.RegisterReads(32767, 1, error), 65534, 1);
+  EXPECT_TRUE(m.RegisterReads(0, 0, error).empty());
+  EXPECT_EQ(error, "") << "nothing to read is no error";
   EXPECT_TRUE(m.RegisterReads(32767, 2, error).empty());
   EXPECT_EQ(error, "holding registers 65534 to 65537 lie outside the Modbus address space");
   error.clear();
