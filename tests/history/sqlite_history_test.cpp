@@ -1,5 +1,5 @@
-// The SQLite history: the scenarios every back end shares, a file that cannot be made, a
-// full disk, histories of the first schema, and the times the command line takes.
+// The SQLite history: the scenarios every back end shares, files refused, a full disk,
+// histories of the first schema, and the times the command line takes.
 
 #include "vantrel/history/sqlite_history.h"
 
@@ -65,14 +65,8 @@ struct SqliteBackend {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Sqlite, HistoryBackend, ::testing::Types<SqliteBackend>);
 
-TEST(SqliteHistory, AFileThatCannotBeMadeIsRefused) {
-  testing::TempDir dir;
-  std::string error;
-  EXPECT_FALSE(SqliteHistory::Open(dir.File("no-such-folder/trace.db"), error));
-  EXPECT_NE(error.find("cannot open the history"), std::string::npos) << error;
-}
-
-// Refusing a file must not change a byte of it, not even the journal mode kept in its header.
+// Refusing a file must not change a byte of it, not even the journal mode kept in its header;
+// a file that cannot be made is refused too.
 TEST(SqliteHistory, ARefusedFileIsLeftByteForByte) {
   SqliteBackend backend;
   const auto bytes = [](const std::string& path) {
@@ -95,6 +89,8 @@ TEST(SqliteHistory, ARefusedFileIsLeftByteForByte) {
     EXPECT_TRUE(bytes(path) == before) << "the refused file was changed";
     EXPECT_EQ(SqliteBackend::Query(path, "PRAGMA journal_mode"), (Rows{{"delete"}}));
   }
+  EXPECT_FALSE(SqliteHistory::Open(backend.dir.File("no-such-folder/trace.db"), error));
+  EXPECT_NE(error.find("cannot open the history"), std::string::npos) << error;
 }
 
 // A full disk, played by a file size limit: the rows that cannot be written are counted and

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,17 +14,6 @@
 
 namespace vantrel::hosts {
 namespace {
-
-constexpr int kRing = 20;
-
-// The lines of records `first` to `last` without stamp columns: the number, then "ok" and
-// two blanks.
-std::vector<std::string> Records(int first, int last) {
-  std::vector<std::string> lines;
-  for (int n = first; n <= last; ++n)
-    lines.push_back(" " + std::to_string(n) + "\tok  ");
-  return lines;
-}
 
 // How the host answers, whether the buffer lies in registers or in a data block, and its
 // format (an 8-word or a 16-word header).
@@ -36,12 +24,8 @@ struct Setup {
   const char* name;
 };
 
-void PrintTo(const Setup& setup, std::ostream* os) {
-  *os << setup.name;
-}
-
 TraceProgramConfig Program(const Setup& setup) {
-  TraceProgramConfig c = NumberedRecords(kRing);
+  TraceProgramConfig c = NumberedRecords(20);
   c.dataBlock = setup.dataBlock;
   c.format = setup.format;
   return c;
@@ -61,7 +45,11 @@ TEST_P(LiveTrace, EveryRecordIsShownOnceAndInOrder) {
     program.WriteRecords(burst);
     loop.Advance(300);
   }
-  EXPECT_EQ(host.lines, Records(1, 36));
+  // Each line: the number, then "ok" and two blanks.
+  std::vector<std::string> expected;
+  for (int n = 1; n <= 36; ++n)
+    expected.push_back(" " + std::to_string(n) + "\tok  ");
+  EXPECT_EQ(host.lines, expected);
   EXPECT_TRUE(host.errors.empty());
   EXPECT_EQ(control->Table().DataRowCount(), 36);
 }

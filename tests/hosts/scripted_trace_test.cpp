@@ -1,8 +1,8 @@
 // The walk round the ring, seen from a host: a program writes records into a ring of five
 // slots in chosen steps, and every line the control raises is compared with the text it
 // must have. Covers the first poll, records before the write slot, a burst that wraps, an
-// overrun, a counter that goes backwards, a negative counter, the row limit and the stamp
-// columns of OutputLine.
+// overrun, a counter that goes backwards, a negative counter, the row limit, the stamp
+// columns of OutputLine, and the typed rows that row sinks see.
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,9 @@
 #include <vector>
 
 #include "hosts/virtual_host.h"
-#include "support/temp_dir.h"
 #include "vantrel/control.h"
-#include "vantrel/manual_event_loop.h"
-#include "vantrel/scripted_prompts.h"
+#include "vantrel/recorded_export.h"
+#include "vantrel/row_sink.h"
 #include "vantrel/surface.h"
 
 namespace vantrel::hosts {
@@ -24,6 +23,13 @@ namespace {
 constexpr int kRing = 5;
 constexpr int kInterval = 100;
 const std::string kDashes(16, '-');
+
+struct RecordingSink : RowSink {
+  std::vector<HistoryDescription> descriptions;
+  std::vector<HistoryRow> rows;
+  void DescriptionLoaded(const HistoryDescription& d) override { descriptions.push_back(d); }
+  void RowAdded(const HistoryRow& row) override { rows.push_back(row); }
+};
 
 struct Stamps {
   bool date = false;
@@ -35,17 +41,12 @@ struct Stamps {
 class ScriptedTrace : public ::testing::TestWithParam<Stamps>, protected VirtualPlant {
  protected:
   explicit ScriptedTrace(int32_t counterStart = 0)
-      : VirtualPlant(Config(counterStart), Answering::Inside) {}
-
-  static TraceProgramConfig Config(int32_t counterStart) {
-    TraceProgramConfig c = NumberedRecords(kRing);
-    c.counterStart = counterStart;
-    return c;
-  }
+      : VirtualPlant(NumberedRecords(kRing, counterStart), Answering::Inside) {}
 
   // Starts reading; the program has already written what the test wants found at start.
   void Connect() {
-    VirtualPlant::Connect(kInterval, [](Control& c) {
+    VirtualPlant::Connect(kInterval, [this](Control& c) {
+      c.AddRowSink(&sink);
       c.SetDateStampCol(GetParam().date);
       c.SetTimeStampCol(GetParam().time);
       c.SetPCDStatusCol(GetParam().status);
@@ -86,6 +87,7 @@ class ScriptedTrace : public ::testing::TestWithParam<Stamps>, protected Virtual
   }
 
   size_t taken = 0;
+  RecordingSink sink;
 };
 
 using Lines = std::vector<std::string>;
@@ -132,6 +134,50 @@ TEST_P(ScriptedTrace, EveryStepOfTheWalkRaisesItsLines) {
   // Every line is also a row of the table, marker rows included.
   EXPECT_EQ(control->Table().DataRowCount(), 16);
   EXPECT_EQ(control->RecordCount(), 14);
+
+  // Row sinks see the description and every row, typed: one row for every line, in the same
+  // order, which its cells shown again with the stamps give exactly (markers and a status
+  // row included).
+  control->SetPCDStatus(3);
+  PollOnce();
+  ASSERT_EQ(sink.descriptions.size(), 1u);
+  const HistoryDescription& d = sink.descriptions[0];
+  EXPECT_EQ(d.key + " " + d.title + " " + std::to_string(d.version), "LIV1 Live 1");
+  ASSERT_EQ(d.columns.size(), 2u);
+  EXPECT_EQ(d.columns[0].caption + d.columns[0].fieldType + d.columns[0].displayCode,
+            "NumberLongd");
+  EXPECT_EQ(d.columns[1].caption + d.columns[1].fieldType + d.columns[1].displayCode, "TextStrga");
+  EXPECT_EQ(d.columns[1].registerIndex, 1);
+  std::vector<HistoryRowKind> kinds;
+  for (const HistoryRow& row : sink.rows)
+    kinds.push_back(row.kind);
+  using K = HistoryRowKind;
+  EXPECT_EQ(kinds, (std::vector<K>{K::Record, K::Record, K::Record, K::Record, K::Record, K::Record,
+                                   K::Record, K::Miss, K::Record, K::Record, K::Record, K::Record,
+                                   K::Restart, K::Record, K::Record, K::Record, K::Status}));
+  ASSERT_EQ(sink.rows.size(), host.lines.size());
+  const RecordedStamps stamps{GetParam().date, GetParam().time, GetParam().status};
+  for (size_t i = 0; i < sink.rows.size(); ++i) {
+    const HistoryRow& row = sink.rows[i];
+    const RecordedRow recorded{row.kind, row.recordNumber, row.pcTime, row.status, row.line};
+    EXPECT_EQ(RecordedLine(recorded, stamps), host.lines[i]) << "row " << i;
+  }
+  const HistoryRow& first = sink.rows[0];
+  EXPECT_EQ(first.recordNumber, 1);
+  // The PC time of the decode, to the millisecond: the clock had run 5 ms at the first poll.
+  EXPECT_EQ(first.pcTime, (DateTime{2026, 11, 15, 8, 15, 30, 5}));
+  EXPECT_EQ(first.display, (std::vector<std::string>{" 1", "ok  "}));
+  EXPECT_EQ(first.raw, (std::vector<std::string>{"1", std::to_string(0x6F6B2020)}));
+  EXPECT_EQ(first.number, (std::vector<std::optional<double>>{1.0, std::nullopt}));
+  EXPECT_EQ(sink.rows[7].missed, 3);
+  EXPECT_TRUE(sink.rows[7].display.empty()) << "a Miss row has no values";
+  EXPECT_EQ(sink.rows[16].display, (std::vector<std::string>{"", ""})) << "the status row";
+  // A removed sink hears nothing more.
+  control->RemoveRowSink(&sink);
+  program.WriteRecords(1);
+  PollOnce();
+  EXPECT_EQ(NewLines().size(), 2u);
+  EXPECT_EQ(sink.rows.size(), 17u);
 }
 
 TEST_P(ScriptedTrace, TheRowLimitDropsTheOldestRowsAndTurnsTheRowCountRed) {

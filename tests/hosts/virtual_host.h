@@ -1,11 +1,10 @@
 #pragma once
 // A host for end-to-end tests: a control reading a trace program's register space, answered
-// inside the request event or one turn of the event loop later, and the description that
-// decodes its records.
+// inside the request event or later on the event loop (late, or not at all while its link is
+// down, for the fault soak), and the description that decodes its records.
 
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -24,11 +23,12 @@
 namespace vantrel::hosts {
 
 // Records of two registers: the record's running number and the text "ok".
-inline TraceProgramConfig NumberedRecords(int32_t ring) {
+inline TraceProgramConfig NumberedRecords(int32_t ring, int32_t counterStart = 0) {
   TraceProgramConfig c;
   c.key = "LIV1";
   c.version = 1;
   c.ringRecords = ring;
+  c.counterStart = counterStart;
   c.registers = {RegisterGenerator::Counter(), RegisterGenerator::Text("ok")};
   return c;
 }
@@ -46,14 +46,20 @@ inline void WriteDescription(const testing::TempDir& dir) {
 
 enum class Answering { Inside, Later };
 
-// Answers from the register space, inside the event or from a queue that a 1 ms timer
-// empties (as a network transport would, one turn of the loop later).
+// Answers from the register space, inside the event or on a later turn of the event loop, as
+// a network transport would: `delayMs` later, only the newest request (a real client drops
+// superseded ones), and none while the link is `down`.
 class VirtualHost : public ControlEvents {
  public:
   VirtualHost(RegisterSpace& space, ManualEventLoop& loop, Answering answering)
-      : space_(space), answering_(answering), courier_(loop.CreateTimer()) {
+      : space_(space), loop_(loop), answering_(answering), courier_(loop.CreateTimer()) {
     courier_->SetInterval(1);
-    courier_->SetTickHandler([this] { DeliverOne(); });
+    courier_->SetTickHandler([this] {
+      if (!pending_ || pending_->at > loop_.ElapsedMs()) return;
+      const Pending p = std::move(*pending_);
+      pending_.reset();
+      if (p.generation == generation_ && !down) control->SetDataBlock(p.words);
+    });
     courier_->SetEnabled(true);
   }
 
@@ -61,6 +67,8 @@ class VirtualHost : public ControlEvents {
   std::vector<std::string> lines;
   std::vector<std::string> errors;
   std::vector<int16_t> commands;  // PCDCmd raised
+  bool down = false;
+  int delayMs = 0;
 
   void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
     Answer(space_.ReadRegisters(RegisterNumber, NumberToRead));
@@ -74,25 +82,30 @@ class VirtualHost : public ControlEvents {
   void OutputLine(std::string_view DataLine) override { lines.emplace_back(DataLine); }
   void PCDCmd(int16_t command) override { commands.push_back(command); }
 
+  // No read under way: nothing has been taken from the registers that is still to come.
+  bool Idle() const { return !pending_; }
+
  private:
-  void Answer(std::vector<int32_t> block) {
-    if (answering_ == Answering::Inside) {
-      control->SetDataBlock(block);
-    } else {
-      pending_.push_back(std::move(block));
-    }
-  }
-  void DeliverOne() {
-    if (pending_.empty()) return;
-    std::vector<int32_t> block = std::move(pending_.front());
-    pending_.pop_front();
-    control->SetDataBlock(block);
+  // The words are those the controller holds when the request arrives.
+  void Answer(std::vector<int32_t> words) {
+    ++generation_;
+    if (down) return;
+    if (answering_ == Answering::Inside) control->SetDataBlock(words);
+    if (answering_ == Answering::Later)
+      pending_ = Pending{generation_, loop_.ElapsedMs() + delayMs, std::move(words)};
   }
 
+  struct Pending {
+    uint64_t generation;
+    int64_t at;
+    std::vector<int32_t> words;
+  };
   RegisterSpace& space_;
+  ManualEventLoop& loop_;
   Answering answering_;
   std::unique_ptr<Timer> courier_;
-  std::deque<std::vector<int32_t>> pending_;
+  uint64_t generation_ = 0;
+  std::optional<Pending> pending_;
 };
 
 // A trace program, a host answering from its registers, and a control that reads them with

@@ -5,9 +5,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <optional>
@@ -42,34 +42,21 @@ class IndependentServer : public ::testing::Test {
       GTEST_SKIP() << "/usr/bin/python3 cannot import pymodbus";
     }
     ::close(test::BoundSocket(0, port_));  // a free port for the server to take
-    std::vector<std::string> args = {"/usr/bin/python3",
-                                     VANTREL_SOURCE_DIR "/tests/modbus/pymodbus_server.py",
-                                     std::to_string(port_), std::to_string(kFirstServed)};
+    // The shell says its process id, then becomes the server; the pipe carries its log.
+    std::string command = "echo $$; exec /usr/bin/python3 " VANTREL_SOURCE_DIR
+                          "/tests/modbus/pymodbus_server.py " +
+                          std::to_string(port_) + " " + std::to_string(kFirstServed);
     for (int i = 0; i < kWordsServed; ++i)
-      args.push_back(std::to_string(Served(kFirstServed + i)));
-    std::vector<char*> argv;
-    for (std::string& a : args)
-      argv.push_back(a.data());
-    argv.push_back(nullptr);
-    int out[2];
-    ASSERT_EQ(::pipe2(out, O_CLOEXEC), 0);
-    pid_ = ::fork();
-    ASSERT_GE(pid_, 0);
-    if (pid_ == 0) {
-      ::dup2(out[1], STDOUT_FILENO);
-      ::execv(argv[0], argv.data());
-      ::_exit(127);
-    }
-    ::close(out[1]);
-    log_ = out[0];
+      command += " " + std::to_string(Served(kFirstServed + i));
+    server_ = ::popen(command.c_str(), "r");
+    ASSERT_NE(server_, nullptr);
+    ASSERT_EQ(std::fscanf(server_, "%d", &pid_), 1);
+    log_ = ::fileno(server_);
     ::fcntl(log_, F_SETFL, O_NONBLOCK);
   }
   void TearDown() override {
-    if (pid_ > 0) {
-      ::kill(pid_, SIGKILL);
-      ::waitpid(pid_, nullptr, 0);
-    }
-    if (log_ >= 0) ::close(log_);
+    if (pid_ > 0) ::kill(pid_, SIGKILL);
+    if (server_ != nullptr) ::pclose(server_);
   }
 
   // The answer to one request; the reads the server saw for it in `reads`.
@@ -110,6 +97,7 @@ class IndependentServer : public ::testing::Test {
 
   PollEventLoop loop_;
   int port_ = 0;
+  FILE* server_ = nullptr;
   pid_t pid_ = -1;
   int log_ = -1;
 };

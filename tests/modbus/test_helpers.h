@@ -29,18 +29,13 @@ bool RunUntil(PollEventLoop& loop, Done done,
   return done();
 }
 
-inline uint8_t Hi(unsigned v) {
-  return static_cast<uint8_t>((v >> 8) & 0xFF);
-}
-inline uint8_t Lo(unsigned v) {
-  return static_cast<uint8_t>(v & 0xFF);
-}
-
 // A read of holding registers (or another function) as it goes over the wire.
 inline Bytes ReadRequest(uint16_t transaction, uint16_t address, uint16_t count, uint8_t unit = 1,
                          uint8_t function = 3) {
-  return {Hi(transaction), Lo(transaction), 0,           0,         0,        6, unit,
-          function,        Hi(address),     Lo(address), Hi(count), Lo(count)};
+  const auto hi = [](unsigned v) { return static_cast<uint8_t>(v >> 8); };
+  const auto lo = [](unsigned v) { return static_cast<uint8_t>(v & 0xFF); };
+  return {hi(transaction), lo(transaction), 0,           0,         0,        6, unit,
+          function,        hi(address),     lo(address), hi(count), lo(count)};
 }
 
 // The reads of a request: none longer than the protocol carries, pairs whole, in address
