@@ -36,16 +36,5 @@ TEST(PollEventLoop, TimersAndDescriptorsDriveTheLoopUntilQuit) {
   close(fds[1]);
 }
 
-TEST(PollEventLoop, PostedTasksRunOnTheLoop) {
-  PollEventLoop loop;
-  bool ran = false;
-  loop.Post([&] {
-    ran = true;
-    loop.Quit();
-  });
-  loop.RunFor(std::chrono::seconds(5));
-  EXPECT_TRUE(ran);
-}
-
 }  // namespace
 }  // namespace vantrel
