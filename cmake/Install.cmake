@@ -30,6 +30,8 @@ function(vantrel_install_part part target export_file)
   install(EXPORT ${export_file} NAMESPACE Vantrel:: DESTINATION ${VANTREL_CMAKE_DIR})
   set(VANTREL_INSTALLED_PARTS ${VANTREL_INSTALLED_PARTS} ${part} PARENT_SCOPE)
 endfunction()
+# The POSIX part comes first: the Modbus server runs on its event loop.
+vantrel_install_part(posix vantrel_posix VantrelPosixTargets)
 vantrel_install_part(xlsx vantrel_xlsx VantrelXlsxTargets)
 vantrel_install_part(history vantrel_history VantrelHistoryTargets)
 vantrel_install_part(postgres vantrel_postgres VantrelPostgresTargets)

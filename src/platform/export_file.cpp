@@ -1,86 +1,109 @@
 #include "platform/export_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
+#include <random>
+#include <system_error>
 
 namespace vantrel {
 namespace {
 
-// The process's file creation mask, read without changing it (umask() would, for a moment,
-// for every thread).
-mode_t CreationMask() {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind("Umask:", 0) == 0)
-      return static_cast<mode_t>(std::strtoul(line.c_str() + 6, nullptr, 8));
-  }
-  return 022;
+namespace fs = std::filesystem;
+
+bool IsLink(const std::string& path) {
+  std::error_code ignored;
+  return fs::is_symlink(fs::symlink_status(path, ignored));
 }
+
+// The standard library's files: a link is looked for before the file is opened.
+class StandardFiles final : public ExportFiles {
+ public:
+  std::FILE* Open(const std::string& path, ExportOpen how) override {
+    if (IsLink(path)) {
+      errno = ELOOP;
+      return nullptr;
+    }
+    switch (how) {
+      case ExportOpen::KeepContents:
+        return std::fopen(path.c_str(), "r+b");
+      case ExportOpen::Create:
+        return std::fopen(path.c_str(), "w+b");
+      case ExportOpen::Truncate:
+        break;
+    }
+    return std::fopen(path.c_str(), "wb");
+  }
+
+  std::string CreateBeside(const std::string& target, std::string& error) override {
+    static constexpr char kLetters[] =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    thread_local std::mt19937 random{std::random_device{}()};
+    std::uniform_int_distribution<size_t> letter(0, sizeof kLetters - 2);
+    std::string path;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+      path = target + '.';
+      for (int i = 0; i < 6; ++i)
+        path += kLetters[letter(random)];
+      // "x": created here or not at all, never an existing file or link opened.
+      if (std::FILE* file = std::fopen(path.c_str(), "wbx")) {
+        std::fclose(file);
+        return path;
+      }
+      if (errno != EEXIST) break;
+    }
+    error = "Cannot create " + path + " : " + std::strerror(errno);
+    return {};
+  }
+
+  bool Replace(const std::string& staged, const std::string& target, std::string& error) override {
+    // The staged file was created with the usual permissions; an old file keeps its own.
+    std::error_code failed;
+    const fs::file_status old = fs::symlink_status(target, failed);
+    failed.clear();
+    if (fs::is_regular_file(old)) fs::permissions(staged, old.permissions(), failed);
+    if (!failed) fs::rename(staged, target, failed);
+    if (failed) {
+      error = "Cannot write " + target + " : " + failed.message();
+      return false;
+    }
+    return true;
+  }
+};
+
+std::atomic<ExportFiles*> installedFiles{nullptr};
 
 }  // namespace
 
-std::FILE* OpenExportFile(const std::string& path, ExportOpen how) {
-  int flags = O_NOFOLLOW | O_CLOEXEC;
-  const char* mode = "r+b";
-  switch (how) {
-    case ExportOpen::KeepContents:
-      flags |= O_RDWR;
-      break;
-    case ExportOpen::Create:
-      flags |= O_RDWR | O_CREAT | O_TRUNC;
-      mode = "w+b";
-      break;
-    case ExportOpen::Truncate:
-      flags |= O_WRONLY | O_CREAT | O_TRUNC;
-      mode = "wb";
-      break;
-  }
-  const int fd = ::open(path.c_str(), flags, 0666);
-  if (fd < 0) return nullptr;
-  std::FILE* file = ::fdopen(fd, mode);
-  if (file == nullptr) {
-    const int error = errno;
-    ::close(fd);
-    errno = error;
-  }
-  return file;
+ExportFiles& StandardExportFiles() {
+  static StandardFiles files;
+  return files;
 }
 
-StagedFile::StagedFile(const std::string& target) : target_(target) {
-  std::string pattern = target + ".XXXXXX";
-  const int fd = ::mkstemp(pattern.data());
-  if (fd < 0) {
-    error_ = "Cannot create " + pattern + " : " + std::strerror(errno);
-    return;
-  }
-  ::close(fd);
-  path_ = pattern;
+void InstallExportFiles(ExportFiles& files) {
+  installedFiles.store(&files);
+}
+
+ExportFiles& InstalledExportFiles() {
+  ExportFiles* files = installedFiles.load();
+  return files != nullptr ? *files : StandardExportFiles();
+}
+
+StagedFile::StagedFile(const std::string& target)
+    : files_(InstalledExportFiles()), target_(target) {
+  path_ = files_.CreateBeside(target, error_);
 }
 
 StagedFile::~StagedFile() {
-  if (Ready() && !committed_) ::unlink(path_.c_str());
+  std::error_code ignored;
+  if (Ready() && !committed_) fs::remove(path_, ignored);
 }
 
 bool StagedFile::Commit() {
   if (!Ready()) return false;
-  // mkstemp makes the file private; the export gets the permissions of the file it replaces.
-  struct stat old {};
-  const mode_t mode = ::lstat(target_.c_str(), &old) == 0 && S_ISREG(old.st_mode)
-                          ? (old.st_mode & 07777)
-                          : (0666 & ~CreationMask());
-  if (::chmod(path_.c_str(), mode) != 0 || ::rename(path_.c_str(), target_.c_str()) != 0) {
-    error_ = "Cannot write " + target_ + " : " + std::strerror(errno);
-    return false;
-  }
-  committed_ = true;
-  return true;
+  committed_ = files_.Replace(path_, target_, error_);
+  return committed_;
 }
 
 }  // namespace vantrel

@@ -1,21 +1,19 @@
 #pragma once
-// The files an export writes. An export writes only the file the user named: a symbolic
-// link in its place is refused or replaced, never followed to a file somewhere else.
+// The files an export writes, through the installed ExportFiles: a symbolic link in the
+// target's place is refused or replaced, never followed to a file somewhere else.
 
 #include <cstdio>
 #include <string>
 
-namespace vantrel {
+#include "vantrel/export_files.h"
 
-enum class ExportOpen {
-  KeepContents,  // an existing file, read and written without truncation
-  Create,        // a new file, read and written
-  Truncate,      // written from empty, created when missing
-};
+namespace vantrel {
 
 // Opens `path` (a native path) as fopen would, except that a symbolic link as the last
 // component fails with ELOOP. Null with errno set on failure.
-std::FILE* OpenExportFile(const std::string& path, ExportOpen how);
+inline std::FILE* OpenExportFile(const std::string& path, ExportOpen how) {
+  return InstalledExportFiles().Open(path, how);
+}
 
 // A file written under a temporary name beside its target and renamed over the target when
 // complete, for writers that open files themselves: a link at the target is replaced by the
@@ -36,6 +34,7 @@ class StagedFile {
   bool Commit();
 
  private:
+  ExportFiles& files_;
   std::string target_;
   std::string path_;
   std::string error_;

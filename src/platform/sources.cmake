@@ -6,7 +6,6 @@ target_sources(vantrel PRIVATE
   platform/manual_event_loop.cpp
   platform/numbers.cpp
   platform/paths.cpp
-  platform/poll_event_loop.cpp
   platform/property_bag.cpp
   platform/scripted_prompts.cpp
   platform/system_clock.cpp

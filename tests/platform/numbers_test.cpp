@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "platform/runtime_error.h"
 #include "support/runtime_errors.h"
 
@@ -10,50 +12,29 @@ namespace {
 
 using testing::ErrorOf;
 
+// A bare exponent mark is not part of the number; hexadecimal and octal literals of up to 16
+// bits read as signed 16-bit values.
 TEST(Val, ReadsTheLongestNumericPrefix) {
-  EXPECT_EQ(Val("-4"), -4.0);
-  EXPECT_EQ(Val("2.5x"), 2.5);
-  EXPECT_EQ(Val(".5"), 0.5);
-  EXPECT_EQ(Val("1.5E3"), 1500.0);
-  EXPECT_EQ(Val("7E"), 7.0);  // a bare exponent mark is not part of the number
-}
-
-TEST(Val, TextWithoutNumberReadsZero) {
-  EXPECT_EQ(Val(""), 0.0);
-  EXPECT_EQ(Val("abc"), 0.0);
-  EXPECT_EQ(Val("-"), 0.0);
-  EXPECT_EQ(Val("."), 0.0);
-}
-
-TEST(Val, SkipsBlanksInsideTheNumber) {
-  EXPECT_EQ(Val("1 2 3"), 123.0);
-  EXPECT_EQ(Val("\t 7 ,8"), 7.0);
-}
-
-TEST(Val, ReadsHexadecimalAndOctalLiterals) {
-  EXPECT_EQ(Val("&hff"), 255.0);
-  EXPECT_EQ(Val("&O17"), 15.0);
-  EXPECT_EQ(Val("&HFFFF"), -1.0);  // up to 16 bits reads as a signed 16-bit value
-  EXPECT_EQ(Val("&H10000"), 65536.0);
-  EXPECT_EQ(Val("&HFFFFFFFF"), -1.0);
-  EXPECT_EQ(Val("&H"), 0.0);
+  const std::pair<const char*, double> cases[] = {
+      {"-4", -4},   {"2.5x", 2.5},  {".5", 0.5},        {"1.5E3", 1500},
+      {"7E", 7},    {"", 0},        {"abc", 0},         {"-", 0},
+      {".", 0},     {"1 2 3", 123}, {"\t 7 ,8", 7},     {"&hff", 255},
+      {"&O17", 15}, {"&HFFFF", -1}, {"&H10000", 65536}, {"&HFFFFFFFF", -1},
+      {"&H", 0}};
+  for (const auto& [text, value] : cases)
+    EXPECT_EQ(Val(text), value) << text;
   EXPECT_THROW(Val("&H100000000"), RuntimeError);
 }
 
-TEST(Rounding, HalvesGoToEven) {
-  EXPECT_EQ(RoundToInt16(0.5), 0);
-  EXPECT_EQ(RoundToInt16(1.5), 2);
-  EXPECT_EQ(RoundToInt16(2.5), 2);
-  EXPECT_EQ(RoundToInt16(-1.5), -2);
-  EXPECT_EQ(RoundToInt32(2.5001), 3);
-}
-
-TEST(Rounding, OutOfRangeIsAnOverflow) {
-  EXPECT_EQ(RoundToInt16(32767.4), 32767);
-  EXPECT_EQ(RoundToInt16(-32768.0), -32768);
+TEST(Rounding, HalvesGoToEvenAndOutOfRangeIsAnOverflow) {
+  const std::pair<double, int16_t> cases[] = {{0.5, 0},   {1.5, 2},         {2.5, 2},
+                                              {-1.5, -2}, {32767.4, 32767}, {-32768.0, -32768}};
+  for (const auto& [value, rounded] : cases)
+    EXPECT_EQ(RoundToInt16(value), rounded) << value;
   EXPECT_EQ(ErrorOf([] { RoundToInt16(32767.5); }), "Overflow");
-  EXPECT_THROW(RoundToInt32(2147483648.0), RuntimeError);
+  EXPECT_EQ(RoundToInt32(2.5001), 3);
   EXPECT_EQ(RoundToInt32(-2147483648.0), INT32_MIN);
+  EXPECT_THROW(RoundToInt32(2147483648.0), RuntimeError);
 }
 
 TEST(StrictToInt16, AcceptsOnlyAWholeNumber) {

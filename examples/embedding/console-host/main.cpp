@@ -8,6 +8,7 @@
 #include <vantrel/hosts/examples_directory.h>
 #include <vantrel/hosts/pump_station.h>
 #include <vantrel/poll_event_loop.h>
+#include <vantrel/posix_export_files.h>
 
 #include <chrono>
 #include <cstdio>
@@ -98,7 +99,9 @@ int main(int argc, char** argv) {
     return 2;
   }
 
-  // The platform: one event loop for the control's timers and the controller's answers.
+  // The platform: exports that never follow a link in the target's place, and one event
+  // loop for the control's timers and the controller's answers.
+  vantrel::InstallExportFiles(vantrel::PosixExportFiles());
   vantrel::PollEventLoop loop;
   vantrel::SystemClock clock;
   ConsolePrompts prompts;
