@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ScriptedPrompts prompts;
   std::map<std::pair<int, int>, std::string> labels;  // the last label written per cell
   {
-    ExcelFile file(prompts);
+    ExcelFile file(prompts, StandardExportFiles());
     file.OpenFile(path);
     fuzz::Check(file.IsOpen(), "the scratch file opens");
     size_t at = 0;

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "console_prompts.h"
+#include "vantrel/posix_export_files.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/record_history.h"
 #include "vantrel/recorded_export.h"
@@ -95,6 +96,7 @@ int History(const HistoryOptions& o) {
   how.format = o.format == "xlsx" ? 1 : o.format == "csv" ? 2 : 0;
   how.stamps = stamps;
   how.xlsx = &xlsx;
+  how.files = &PosixExportFiles();
   int status = 0;
   for (size_t i = 0; i < parts.size(); ++i) {
     how.file = PartFile(o.output, i);

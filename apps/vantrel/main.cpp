@@ -8,10 +8,8 @@
 #include "history_command.h"
 #include "host_options.h"
 #include "run_command.h"
-#include "vantrel/posix_export_files.h"
 
 int main(int argc, char** argv) {
-  vantrel::InstallExportFiles(vantrel::PosixExportFiles());
   CLI::App app{"Vantrel: trace viewer for industrial controllers", "vantrel"};
   app.require_subcommand(1);
 

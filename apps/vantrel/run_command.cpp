@@ -11,6 +11,7 @@
 #include "controller_links.h"
 #include "description/profile_file.h"
 #include "event_log.h"
+#include "vantrel/posix_export_files.h"
 #include "vantrel/control.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/record_history.h"
@@ -181,6 +182,7 @@ int Run(const RunOptions& o) {
   XlsxExporter xlsx;
   ControlServices services{loop, clock, prompts};
   services.xlsx = &xlsx;
+  services.exportFiles = &PosixExportFiles();
   Control control(host, services);
   host.control = &control;
 

@@ -11,6 +11,7 @@
 
 #include "vantrel/clock.h"
 #include "vantrel/control_events.h"
+#include "vantrel/export_files.h"
 #include "vantrel/graph_model.h"
 #include "vantrel/prompts.h"
 #include "vantrel/property_bag.h"
@@ -49,6 +50,9 @@ struct ControlServices {
   // The writer of .xlsx exports (ExportFormat 1), e.g. vantrel::XlsxExporter of the
   // vantrel_xlsx library; without one such an export fails with a message.
   TableExporter* xlsx = nullptr;
+  // How exports open and replace files; without one, with the standard library only (see
+  // vantrel/export_files.h; POSIX hosts hand over vantrel::PosixExportFiles()).
+  ExportFiles* exportFiles = nullptr;
 };
 
 class Control {
@@ -153,6 +157,8 @@ class Control {
   void AddRowSink(RowSink* sink);
   // The writer of .xlsx exports, for hosts that create it after the control.
   void SetXlsxExporter(TableExporter* exporter);
+  // How exports open and replace files, for hosts that choose it after the control.
+  void SetExportFiles(ExportFiles* files);
   void RemoveRowSink(RowSink* sink);
   // Raises ModulError with kHistoryErrType: a sink of the host lost rows, and whoever
   // watches the control's errors must learn it.

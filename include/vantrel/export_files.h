@@ -5,7 +5,8 @@
 // StandardExportFiles() needs only the standard library: it looks for a link before it opens
 // or stages, so a link made between the look and the open is still followed.
 // vantrel::PosixExportFiles() (the vantrel_posix library) asks the system itself not to follow
-// one. A host installs the one it wants once, at start, before any export runs.
+// one. A host hands the one it wants to the control (ControlServices::exportFiles) and to
+// whatever else exports.
 
 #include <cstdio>
 #include <string>
@@ -36,9 +37,9 @@ class ExportFiles {
 
 ExportFiles& StandardExportFiles();
 
-// The ExportFiles every export uses: StandardExportFiles() until a host installs another,
-// which must outlive every export.
-void InstallExportFiles(ExportFiles& files);
-ExportFiles& InstalledExportFiles();
+// `files`, or the standard ones when there are none.
+inline ExportFiles& ExportFilesOr(ExportFiles* files) {
+  return files != nullptr ? *files : StandardExportFiles();
+}
 
 }  // namespace vantrel

@@ -39,6 +39,7 @@ struct RecordedExport {
   int16_t format = 0;             // as the ExportFormat property: 0 Excel 2.x, 1 xlsx, 2 csv
   RecordedStamps stamps;          // the stamp columns exported
   TableExporter* xlsx = nullptr;  // the .xlsx writer, needed for format 1
+  ExportFiles* files = nullptr;   // how files are opened; null for the standard library's way
 };
 
 // Builds the table the control would have held for these rows and exports it through the

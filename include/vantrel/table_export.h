@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "vantrel/clock.h"
+#include "vantrel/export_files.h"
 #include "vantrel/table_model.h"
 
 namespace vantrel {
@@ -37,6 +38,8 @@ struct ExportSource {
   std::string title;
   std::string key;
   int32_t version = 0;
+  // How the writer opens and replaces files; null for the standard library's way.
+  ExportFiles* files = nullptr;
 };
 
 struct ExportCell {

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "screenshot_driver.h"
-#include "vantrel/posix_export_files.h"
 #include "viewer_options.h"
 #include "viewer_window.h"
 
@@ -39,7 +38,6 @@ int main(int argc, char** argv) {
                  "without a screen with QT_QPA_PLATFORM=offscreen (e.g. with --screenshot).\n");
     return 2;
   }
-  vantrel::InstallExportFiles(vantrel::PosixExportFiles());
   QApplication app(argc, argv);
   QCoreApplication::setOrganizationName(QStringLiteral("Vantrel"));
   QCoreApplication::setApplicationName(QStringLiteral("vantrel-viewer"));

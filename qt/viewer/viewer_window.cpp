@@ -9,6 +9,7 @@
 #include "gui_thread_post.h"
 #include "settings_dialog.h"
 #include "text_conversion.h"
+#include "vantrel/posix_export_files.h"
 #include "vantrel/control.h"
 #include "vantrel/hosts/examples_directory.h"
 
@@ -22,6 +23,7 @@ ViewerWindow::ViewerWindow(ViewerOptions options, QWidget* parent)
   setWindowTitle(tr("Vantrel Viewer"));
   setCentralWidget(widget_);
   widget_->control().SetXlsxExporter(&xlsx_);
+  widget_->control().SetExportFiles(&PosixExportFiles());
   BuildMenus();
   resize(1100, 700);
 

@@ -118,6 +118,10 @@ void Control::SetXlsxExporter(TableExporter* exporter) {
   module_->services.xlsx = exporter;
 }
 
+void Control::SetExportFiles(ExportFiles* files) {
+  module_->services.exportFiles = files;
+}
+
 void Control::AddRowSink(RowSink* sink) {
   if (sink != nullptr) module_->rowSinks.push_back(sink);
 }

@@ -91,7 +91,7 @@ void AppendCsvField(std::string& line, std::string_view utf8) {
 
 bool CsvExporter::Export(const ExportSource& source, const std::string& path, std::string& error) {
   std::unique_ptr<std::FILE, FileCloser> file(
-      OpenExportFile(NativePath(path), ExportOpen::Truncate));
+      OpenExportFile(ExportFilesOr(source.files), NativePath(path), ExportOpen::Truncate));
   if (!file) {
     error = "Cannot open " + path + " : " + std::strerror(errno);
     return false;

@@ -124,8 +124,8 @@ void ExcelFile::OpenFile(std::string_view fileName) {
   const std::string path = NativePath(fileName);
   try {
     // Read/write without truncation; create the file when it does not exist yet.
-    std::FILE* file = OpenExportFile(path, ExportOpen::KeepContents);
-    if (file == nullptr && errno == ENOENT) file = OpenExportFile(path, ExportOpen::Create);
+    std::FILE* file = OpenExportFile(files_, path, ExportOpen::KeepContents);
+    if (file == nullptr && errno == ENOENT) file = OpenExportFile(files_, path, ExportOpen::Create);
     if (file == nullptr) throw OpenFailure(errno);
     file_ = file;
     std::setvbuf(file_, nullptr, _IOFBF, kStreamBuffer);

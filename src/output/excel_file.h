@@ -18,13 +18,14 @@
 #include <string>
 #include <string_view>
 
+#include "vantrel/export_files.h"
 #include "vantrel/prompts.h"
 
 namespace vantrel {
 
 class ExcelFile {
  public:
-  explicit ExcelFile(Prompts& prompts) : prompts_(prompts) {}
+  ExcelFile(Prompts& prompts, ExportFiles& files) : prompts_(prompts), files_(files) {}
   ~ExcelFile();
   ExcelFile(const ExcelFile&) = delete;
   ExcelFile& operator=(const ExcelFile&) = delete;
@@ -64,6 +65,7 @@ class ExcelFile {
   void PutCellHeader(uint16_t id, uint16_t length, int16_t row, int16_t column, uint8_t format);
 
   Prompts& prompts_;
+  ExportFiles& files_;
   std::FILE* file_ = nullptr;
   std::string lastError_;
 };

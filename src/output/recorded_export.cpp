@@ -54,6 +54,7 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
   SilentEvents events;
   ControlServices services{loop, loop.Clock(), prompts};
   services.xlsx = how.xlsx;
+  services.exportFiles = how.files;
   Module m(events, services);
   InitializeControl(m);
 

@@ -170,6 +170,7 @@ ExportSource SourceOf(const Module& m) {
   ExportSource source;
   source.table = &m.grid;
   source.decimalSeparator = m.decimalSeparator;
+  source.files = m.services.exportFiles;
   source.title = m.description.Title;
   source.key = m.description.HeaderKeyText;
   source.version = m.description.DescVersion;
@@ -232,10 +233,10 @@ void RemoveFile(const std::string& path) {
 }
 
 // A file that exists must take a write at its start before the export overwrites it.
-void CheckWritable(const std::string& path) {
+void CheckWritable(ExportFiles& files, const std::string& path) {
   const std::string native = NativePath(path);
   if (!FileExists(native)) return;
-  std::FILE* file = OpenExportFile(native, ExportOpen::KeepContents);
+  std::FILE* file = OpenExportFile(files, native, ExportOpen::KeepContents);
   if (file == nullptr) throw RuntimeError(70, "Permission denied");
   const unsigned char one[2] = {1, 0};
   const bool written = std::fwrite(one, 1, sizeof one, file) == sizeof one;
@@ -257,13 +258,16 @@ void ExportExcelFile(Module& m) {
   }
   SetBusy(m, true);
   std::string target;
-  if (!m.excel) m.excel = std::make_unique<ExcelFile>(m.services.prompts);
+  if (!m.excel) {
+    m.excel =
+        std::make_unique<ExcelFile>(m.services.prompts, ExportFilesOr(m.services.exportFiles));
+  }
   ExcelFile& writer = *m.excel;
   try {
     p.ExportFile = WithDefaultExportName(p.ExportFile, DefaultExportName(p.ExportFormat));
     target =
         ExportTargetName(p.ExportFile, p.IndexFile, m.services.clock.Now(), m.buffer.ExportIndex);
-    if (p.IndexFile == 0) CheckWritable(target);
+    if (p.IndexFile == 0) CheckWritable(ExportFilesOr(m.services.exportFiles), target);
     m.events.NewExportFile();
 
     m.grid.SetRedraw(false);

@@ -72,8 +72,6 @@ class StandardFiles final : public ExportFiles {
   }
 };
 
-std::atomic<ExportFiles*> installedFiles{nullptr};
-
 }  // namespace
 
 ExportFiles& StandardExportFiles() {
@@ -81,17 +79,8 @@ ExportFiles& StandardExportFiles() {
   return files;
 }
 
-void InstallExportFiles(ExportFiles& files) {
-  installedFiles.store(&files);
-}
-
-ExportFiles& InstalledExportFiles() {
-  ExportFiles* files = installedFiles.load();
-  return files != nullptr ? *files : StandardExportFiles();
-}
-
-StagedFile::StagedFile(const std::string& target)
-    : files_(InstalledExportFiles()), target_(target) {
+StagedFile::StagedFile(ExportFiles& files, const std::string& target)
+    : files_(files), target_(target) {
   path_ = files_.CreateBeside(target, error_);
 }
 

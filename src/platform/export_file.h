@@ -1,5 +1,5 @@
 #pragma once
-// The files an export writes, through the installed ExportFiles: a symbolic link in the
+// The files an export writes, through the host's ExportFiles: a symbolic link in the
 // target's place is refused or replaced, never followed to a file somewhere else.
 
 #include <cstdio>
@@ -11,8 +11,8 @@ namespace vantrel {
 
 // Opens `path` (a native path) as fopen would, except that a symbolic link as the last
 // component fails with ELOOP. Null with errno set on failure.
-inline std::FILE* OpenExportFile(const std::string& path, ExportOpen how) {
-  return InstalledExportFiles().Open(path, how);
+inline std::FILE* OpenExportFile(ExportFiles& files, const std::string& path, ExportOpen how) {
+  return files.Open(path, how);
 }
 
 // A file written under a temporary name beside its target and renamed over the target when
@@ -20,7 +20,7 @@ inline std::FILE* OpenExportFile(const std::string& path, ExportOpen how) {
 // file rather than written through, and a half-written file never carries the target's name.
 class StagedFile {
  public:
-  explicit StagedFile(const std::string& target);
+  StagedFile(ExportFiles& files, const std::string& target);
   ~StagedFile();
   StagedFile(const StagedFile&) = delete;
   StagedFile& operator=(const StagedFile&) = delete;

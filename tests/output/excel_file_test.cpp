@@ -39,7 +39,7 @@ class Writer : public ::testing::Test {
   Bytes Appended(Write write) {
     // A new file each time: the writer does not truncate an old one.
     const std::string path = dir.File("cells" + std::to_string(++files) + ".xls");
-    ExcelFile file(prompts);
+    ExcelFile file(prompts, StandardExportFiles());
     file.OpenFile(path);
     write(file);
     file.CloseFile();
@@ -57,7 +57,7 @@ class Writer : public ::testing::Test {
 
 TEST_F(Writer, AFileOfFormatsOnly) {
   const std::string path = dir.File("empty.xls");
-  ExcelFile file(prompts);
+  ExcelFile file(prompts, StandardExportFiles());
   file.OpenFile(path);
   file.CloseFile();
   const Bytes bytes = ReadAll(path);
@@ -132,7 +132,7 @@ TEST_F(Writer, ALabelOver255CharactersReachesTheCaller) {
 }
 
 TEST_F(Writer, FailuresAreResults) {
-  ExcelFile file(prompts);
+  ExcelFile file(prompts, StandardExportFiles());
   EXPECT_FALSE(file.EWriteString(1, 1, "A")) << "nothing is open yet";
   EXPECT_EQ(file.LastError(), "WriteString in Column 1 Error : Bad file name or number");
   EXPECT_FALSE(file.EWriteDouble(1, 2, 1.0, 0));

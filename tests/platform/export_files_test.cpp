@@ -1,6 +1,6 @@
 // An export file is never reached through a symbolic link, and a staged file either takes
-// its target's place or disappears, whichever ExportFiles is installed (the standard one here,
-// the POSIX one where posix_tests links this file). The exports' own tests check the same
+// its target's place or disappears, whichever ExportFiles the tests run with (the standard one
+// here, the POSIX one where posix_tests builds this file). The exports' own tests check the same
 // through whole exports; these check what those cannot reach: every open mode, two stagings of
 // one target at once, and a staging abandoned half-way.
 
@@ -14,12 +14,14 @@
 #include <iterator>
 #include <string>
 
+#include "support/export_files_under_test.h"
 #include "support/temp_dir.h"
 
 namespace vantrel {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExportFilesUnderTest;
 using testing::TempDir;
 
 std::string ReadBytes(const std::string& path) {
@@ -35,7 +37,7 @@ TEST(ExportFiles, NoModeOpensThroughALink) {
       std::ofstream(dir.File("victim")) << "keep";
       fs::create_symlink(dir.File(dangling ? "new" : "victim"), dir.File("link"));
       errno = 0;
-      EXPECT_EQ(OpenExportFile(dir.File("link"), how), nullptr) << static_cast<int>(how);
+      EXPECT_EQ(OpenExportFile(ExportFilesUnderTest(), dir.File("link"), how), nullptr) << static_cast<int>(how);
       EXPECT_EQ(errno, ELOOP);
       EXPECT_EQ(ReadBytes(dir.File("victim")), "keep");
       EXPECT_FALSE(fs::exists(dir.File("new")));
@@ -47,8 +49,8 @@ TEST(ExportFiles, StagingsOfOneTargetAreApartAndAnAbandonedOneDisappears) {
   TempDir dir;
   const std::string target = dir.File("trace.xlsx");
   {
-    StagedFile first(target);
-    StagedFile second(target);
+    StagedFile first(ExportFilesUnderTest(), target);
+    StagedFile second(ExportFilesUnderTest(), target);
     ASSERT_TRUE(first.Ready() && second.Ready()) << first.Error() << second.Error();
     EXPECT_NE(first.Path(), second.Path());
     EXPECT_EQ(fs::path(first.Path()).parent_path(), dir.Path());

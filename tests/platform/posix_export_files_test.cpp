@@ -1,22 +1,14 @@
-// The tests linked into posix_tests run with the POSIX export files installed.
+// The tests built into posix_tests run with the POSIX export files.
 
 #include <gtest/gtest.h>
 
-#include "vantrel/posix_export_files.h"
+#include "support/export_files_under_test.h"
 
 namespace vantrel {
 namespace {
 
-class PosixExportFilesInstalled : public ::testing::Environment {
- public:
-  void SetUp() override { InstallExportFiles(PosixExportFiles()); }
-};
-
-[[maybe_unused]] const auto* const installed =
-    ::testing::AddGlobalTestEnvironment(new PosixExportFilesInstalled);
-
-TEST(ExportFiles, ThePosixOnesAreInstalled) {
-  EXPECT_EQ(&InstalledExportFiles(), &PosixExportFiles());
+TEST(ExportFiles, ThePosixOnesAreTheOnesUnderTest) {
+  EXPECT_EQ(&testing::ExportFilesUnderTest(), &PosixExportFiles());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "decoding/cell_reading.h"
 #include "decoding/grid_setup.h"
 #include "decoding/row_bookkeeping.h"
+#include "support/export_files_under_test.h"
 #include "support/recording_host.h"
 
 namespace vantrel::testing {
@@ -17,9 +18,15 @@ struct ModuleFixture {
   ManualEventLoop loop;
   ScriptedPrompts prompts;
   RecordingHost host;
-  Control::Module m{host, ControlServices{loop, loop.Clock(), prompts}};
+  Control::Module m{host, Services()};
 
   ModuleFixture() { InitializeControl(m); }
+
+  ControlServices Services() {
+    ControlServices services{loop, loop.Clock(), prompts};
+    services.exportFiles = &ExportFilesUnderTest();
+    return services;
+  }
 
   // Defines trace column `number` and returns it for further settings.
   ColumnDef& Define(int number, int16_t type, int16_t reg, int16_t position,

@@ -101,12 +101,13 @@ int main(int argc, char** argv) {
 
   // The platform: exports that never follow a link in the target's place, and one event
   // loop for the control's timers and the controller's answers.
-  vantrel::InstallExportFiles(vantrel::PosixExportFiles());
   vantrel::PollEventLoop loop;
   vantrel::SystemClock clock;
   ConsolePrompts prompts;
   ConsoleHost host(loop, rows);
-  vantrel::Control control(host, {loop, clock, prompts});
+  vantrel::ControlServices services{loop, clock, prompts};
+  services.exportFiles = &vantrel::PosixExportFiles();
+  vantrel::Control control(host, services);
   host.control = &control;
 
   // The virtual controller: the pump station program writing a record every 100 ms. Its

@@ -129,7 +129,7 @@ void WriteDescription(Writes& check, lxw_worksheet* sheet, const Formats& format
 
 bool XlsxExporter::Export(const ExportSource& source, const std::string& path, std::string& error) {
   // The workbook is written beside the target and put in place when complete.
-  StagedFile staged(NativePath(path));
+  StagedFile staged(ExportFilesOr(source.files), NativePath(path));
   if (!staged.Ready()) {
     error = staged.Error();
     return false;
