@@ -1,6 +1,8 @@
 #include "description/description_loader.h"
 
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <filesystem>
@@ -64,21 +66,53 @@ TEST_F(Loader, LoadsTheShippedEncipheredExample) {
                                       files.Root().string() + "/res/pumps_texts.txt"}));
 }
 
+// Names of the files created in the directories while the watch lasts, even those removed
+// again at once.
+class CreationWatch {
+ public:
+  explicit CreationWatch(const std::vector<std::string>& directories)
+      : fd_(::inotify_init1(IN_NONBLOCK)) {
+    for (const std::string& directory : directories)
+      EXPECT_GE(::inotify_add_watch(fd_, directory.c_str(), IN_CREATE | IN_MOVED_TO), 0);
+  }
+  ~CreationWatch() { ::close(fd_); }
+  CreationWatch(const CreationWatch&) = delete;
+  CreationWatch& operator=(const CreationWatch&) = delete;
+
+  std::vector<std::string> Created() const {
+    std::vector<std::string> names;
+    alignas(inotify_event) char buffer[4096];
+    for (ssize_t n; (n = ::read(fd_, buffer, sizeof buffer)) > 0;) {
+      for (const char* p = buffer; p < buffer + n;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(p);
+        names.emplace_back(event->len > 0 ? event->name : "?");
+        p += sizeof(inotify_event) + event->len;
+      }
+    }
+    return names;
+  }
+
+ private:
+  int fd_;
+};
+
 // The plain text exists only in memory: neither the temporary nor the working directory
-// gets a file, during the load or after it, and no temporary directory is needed at all.
+// gets a file, not even for a moment, and no temporary directory is needed at all.
 TEST_F(Loader, WritesNoFile) {
   // Symbol columns in two sections: the symbol file is still read once per load.
   const std::string symbols = Replace(Replace(kPlain, "Run,%d", "Run,%gs"), "Lvl,%d", "Lvl,%g");
-  const std::string withText = Replace(symbols, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t");
-  files.WriteEnciphered("d.vtld", withText);
-  const std::set<std::string> before = files.Entries();
-  std::vector<std::set<std::string>> seen;
-  sources.readSymbolFile = [&] { seen.push_back(files.Entries()); };
-  sources.readValueTextFile = [&](const std::string&) { seen.push_back(files.Entries()); };
+  d.DescriptionFile = files.WriteEnciphered(
+      "d.vtld", Replace(symbols, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t"));
   sources.textFileDirectories = {"."};
-  ASSERT_TRUE(Load(withText)) << err;
-  seen.push_back(files.Entries());
-  EXPECT_EQ(seen, std::vector<std::set<std::string>>(3, before));
+  const std::set<std::string> before = files.Entries();
+  {
+    const CreationWatch watch({files.Root().string(), files.Root().string() + "/tmp"});
+    ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
+    EXPECT_EQ(watch.Created(), std::vector<std::string>{});
+  }
+  EXPECT_EQ(files.Entries(), before);
+  EXPECT_EQ(symbolReads, 1);
+  EXPECT_EQ(textFilesRead, std::vector<std::string>{"./t"});
 
   ::setenv("TMPDIR", files.Path("absent").c_str(), 1);
   EXPECT_TRUE(Load(kPlain)) << err;

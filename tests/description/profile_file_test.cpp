@@ -72,9 +72,10 @@ TEST(ProfileSection, DoesNotFitFrom32765Characters) {
   EXPECT_EQ(ReadProfileSection(tooBig, "S"), "");
   EXPECT_EQ(tooBig.ReadSectionLines("S").characters, kSectionDoesNotFit);
 
-  // Counted over several lines the same way: 5 lines of 6552 characters plus terminators.
+  // Counted over several lines the same way, and no further once the section does not fit:
+  // 6 lines of 6552 characters plus terminators.
   std::string many = "[S]\n";
-  for (int i = 0; i < 5; ++i)
+  for (int i = 0; i < 6; ++i)
     many += "k" + std::to_string(i) + "=" + std::string(6549, 'y') + "\n";
   EXPECT_EQ(ProfileFile::Parse(many).ReadSectionLines("S").characters, kSectionDoesNotFit);
 }
