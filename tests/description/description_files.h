@@ -1,12 +1,11 @@
 #pragma once
-// A fresh directory per test for description files, with TMPDIR pointed at an empty
-// directory inside it, so that a test sees every file a reader writes, temporary ones too.
+// A fresh directory per test for description files, with TMPDIR pointed at the directory
+// "tmp" inside it, so that a test can watch every file a reader writes, temporary ones too.
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "description/cipher.h"
@@ -43,14 +42,6 @@ class DescriptionFiles {
   // The plain description enciphered, as descriptions are distributed.
   std::string WriteEnciphered(const std::string& name, const std::string& plain) const {
     return Write(name, EncipherText(plain));
-  }
-  // Every entry under the directory (the temporary directory included), relative to it.
-  std::set<std::string> Entries() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(dir_.Path())) {
-      names.insert(std::filesystem::relative(entry.path(), dir_.Path()).string());
-    }
-    return names;
   }
 
  private:

@@ -6,7 +6,6 @@
 
 #include <cctype>
 #include <filesystem>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -104,13 +103,9 @@ TEST_F(Loader, WritesNoFile) {
   d.DescriptionFile = files.WriteEnciphered(
       "d.vtld", Replace(symbols, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t"));
   sources.textFileDirectories = {"."};
-  const std::set<std::string> before = files.Entries();
-  {
-    const CreationWatch watch({files.Root().string(), files.Root().string() + "/tmp"});
-    ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
-    EXPECT_EQ(watch.Created(), std::vector<std::string>{});
-  }
-  EXPECT_EQ(files.Entries(), before);
+  const CreationWatch watch({files.Root().string(), files.Root().string() + "/tmp"});
+  ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
+  EXPECT_EQ(watch.Created(), std::vector<std::string>{});
   EXPECT_EQ(symbolReads, 1);
   EXPECT_EQ(textFilesRead, std::vector<std::string>{"./t"});
 

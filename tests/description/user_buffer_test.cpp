@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "description/description_files.h"
@@ -40,14 +41,10 @@ TEST_F(UserBuffer, ColumnsAndHeaderFields) {
   EXPECT_EQ(d.RecordLength, 4);  // 3.5 rounds to even
   EXPECT_EQ(d.DefaultColumnWidth, 1000);
   EXPECT_EQ(d.ColumnCount, 3);
-  const ColumnDef& valves = d.Columns[2];
-  EXPECT_EQ(valves.Defined, -1);
-  EXPECT_EQ(valves.RegisterIndex, 1);
-  EXPECT_EQ(valves.FieldType, 2);
-  EXPECT_EQ(valves.Position, 3);
-  EXPECT_EQ(valves.Width, 900);
-  EXPECT_EQ(valves.Caption, "Valves");
-  EXPECT_EQ(valves.DisplayCode, "b");
+  const ColumnDef& v = d.Columns[2];
+  EXPECT_EQ(std::tie(v.Defined, v.RegisterIndex, v.FieldType, v.Position, v.Width),
+            std::make_tuple(int16_t{-1}, int16_t{1}, int16_t{2}, int16_t{3}, 900));
+  EXPECT_EQ(v.Caption + "|" + v.DisplayCode, "Valves|b");
   EXPECT_EQ(d.Columns[3].Position, 9);  // not range-checked here
   EXPECT_EQ(d.Columns[3].DisplayCode, "7h");
   EXPECT_EQ(d.Columns[0].Defined, 0);
