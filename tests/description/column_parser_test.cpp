@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace vantrel {
@@ -74,18 +75,16 @@ TEST(ColumnLines, SkippedLinesLeaveTheColumnUndefined) {
   // A value of fewer than five characters is skipped before anything is stored; a longer
   // one that is still incomplete keeps what it stored.
   EXPECT_EQ(Parse("Byte2=4,,x").d.Columns[4].FieldType, 0);
-  const ColumnDef stored = Parse("Byte2=4,,xy").d.Columns[4];
-  EXPECT_EQ(stored.FieldType, 3);
-  EXPECT_EQ(stored.Position, 2);
-  EXPECT_EQ(stored.Width, 777);
+  const ColumnDef s = Parse("Byte2=4,,xy").d.Columns[4];
+  EXPECT_EQ(std::tie(s.FieldType, s.Position, s.Width),
+            std::make_tuple(int16_t{3}, int16_t{2}, 777));
   EXPECT_EQ(Parse("Byte0=4,,C,%s \\0)Off \\1 On").d.Columns[4].Values, std::vector<int32_t>{0});
 
   // An earlier complete line keeps the column defined; the later one still changes it.
-  const ColumnDef again = Parse("Word1=6,500,Level,%d\nByte0=6,900,x").d.Columns[6];
-  EXPECT_EQ(again.Defined, -1);
-  EXPECT_EQ(again.FieldType, 3);
-  EXPECT_EQ(again.Width, 900);
-  EXPECT_EQ(again.Caption, "Level");
+  const ColumnDef a = Parse("Word1=6,500,Level,%d\nByte0=6,900,x").d.Columns[6];
+  EXPECT_EQ(std::tie(a.Defined, a.FieldType, a.Width),
+            std::make_tuple(int16_t{-1}, int16_t{3}, 900));
+  EXPECT_EQ(a.Caption, "Level");
 }
 
 TEST(ColumnLines, FieldsOfACompleteLine) {

@@ -24,24 +24,16 @@ class Locator : public ::testing::Test {
 
 // In each directory in turn, "<name>*.vtld" before "<name>*.vtl", names in any case.
 TEST_F(Locator, SearchOrder) {
-  struct Case {
-    std::vector<std::string> files;
-    std::vector<std::string> directories;
-    std::string expected;
-  };
-  for (const Case& c : std::vector<Case>{
-           {{"a/Pump01.vtl", "b/Pump01.vtld"}, {"a/", "b/"}, "a/Pump01.vtl"},
-           {{"a/Pump01.vtl", "a/Pump01x.vtld", "a/Pump02.vtld"}, {"", "a/"}, "a/Pump01x.vtld"},
-           {{"a/pump01_b.VTLD", "a/PUMP01_a.vtld"}, {"a\\"}, "a\\PUMP01_a.vtld"}}) {
-    const testing::DescriptionFiles dir;
-    for (const std::string& file : c.files)
-      dir.Write(file, "x");
-    std::vector<std::string> paths;
-    for (const std::string& d : c.directories)
-      paths.push_back(d.empty() ? d : dir.Path(d.substr(0, 1)) + d.substr(1));
-    EXPECT_EQ(Locate("Pump01", paths), 1) << c.expected;
-    EXPECT_EQ(found, dir.Path(c.expected.substr(0, 1)) + c.expected.substr(1));
-  }
+  for (const char* name : {"1/Pump01.vtl", "2/Pump01.vtld", "3/Pump01.vtl", "3/Pump01x.vtld",
+                           "3/Pump02.vtld", "4/pump01_b.VTLD", "4/PUMP01_a.vtld"})
+    files.Write(name, "x");
+  const auto dir = [&](const char* name) { return files.Path(name) + "/"; };
+  EXPECT_EQ(Locate("Pump01", {dir("1"), dir("2")}), 1);
+  EXPECT_EQ(found, dir("1") + "Pump01.vtl");
+  EXPECT_EQ(Locate("Pump01", {"", dir("3")}), 1);
+  EXPECT_EQ(found, dir("3") + "Pump01x.vtld");
+  EXPECT_EQ(Locate("Pump01", {files.Path("4") + "\\"}), 1);
+  EXPECT_EQ(found, files.Path("4") + "\\PUMP01_a.vtld");
   EXPECT_TRUE(prompts.Messages().empty());
 }
 
