@@ -7,6 +7,7 @@
 #include <cctype>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "description/description_files.h"
@@ -179,20 +180,13 @@ TEST_F(Loader, RecordLengthBoundsTheSectionsAndFlagsAreReset) {
   EXPECT_EQ(d.RecordLength, 3);
   EXPECT_EQ(d.ColumnCount, 2);
   EXPECT_EQ(d.Columns[2].RegisterIndex, 2);
-  EXPECT_EQ(d.Columns[3].Defined, 0);
-  EXPECT_EQ(d.Columns[5].Defined, 0);
-  EXPECT_EQ(d.Columns[5].Marked, 0);
-  EXPECT_EQ(d.Columns[1].Marked, 0);
+  EXPECT_EQ(std::tie(d.Columns[3].Defined, d.Columns[5].Defined, d.Columns[5].Marked,
+                     d.Columns[1].Marked),
+            std::make_tuple(int16_t{0}, int16_t{0}, int16_t{0}, int16_t{0}));
 }
 
-TEST_F(Loader, NoColumnAboveZeroIsNoValidSection) {
-  sources.textFileDirectories = {"dir"};
-  EXPECT_FALSE(Load(kHeader + kDriver + "TextFile=t.txt\n[REGISTER_0]\nBit_0=0,,A,%d\n"));
-  EXPECT_EQ(err, "No valid section founded.");
-  EXPECT_EQ(textFilesRead, std::vector<std::string>{"dir/t.txt"});  // read before the check
-}
-
-TEST_F(Loader, SectionFailureStopsTheLoadBeforeTheTextFile) {
+// The text file is read once every register section was parsed, before the column check.
+TEST_F(Loader, TextFileComesAfterTheSectionsAndBeforeTheColumnCheck) {
   sources.textFileDirectories = {"dir"};
   const std::string withText =
       Replace(kPlain, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t.txt");
@@ -200,6 +194,10 @@ TEST_F(Loader, SectionFailureStopsTheLoadBeforeTheTextFile) {
   EXPECT_EQ(err, "Reading error in section REGISTER_1");
   EXPECT_EQ(d.Columns[1].Defined, -1);
   EXPECT_TRUE(textFilesRead.empty());
+
+  EXPECT_FALSE(Load(Replace(Replace(withText, "Bit_0=1", "Bit_0=0"), "Word1=2", "Word1=0")));
+  EXPECT_EQ(err, "No valid section founded.");  // column 0 alone does not count
+  EXPECT_EQ(textFilesRead, std::vector<std::string>{"dir/t.txt"});
 }
 
 TEST_F(Loader, FileErrorsAreWrapped) {
