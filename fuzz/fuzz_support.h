@@ -15,8 +15,8 @@
 
 namespace vantrel::fuzz {
 
-// The process's own scratch directory, also made the temporary directory so that working
-// copies land where the targets can see them.
+// The process's own scratch directory, also made the temporary directory so that any file a
+// reader writes, temporary ones too, lands where the targets can see it.
 inline const std::filesystem::path& Scratch() {
   static const std::filesystem::path dir = [] {
     std::string pattern = (std::filesystem::temp_directory_path() / "vantrel-fuzz-XXXXXX");

@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string error;
   const bool loaded = LoadUserBuffer(d, path, "TNK2", simulation, simulated, error);
   fuzz::Check(loaded || !error.empty(), "a refused user buffer says why");
-  fuzz::Check(fuzz::StrayFiles({"buffer.vtlr"}) == 0, "no working copy is left behind");
+  fuzz::Check(fuzz::StrayFiles({"buffer.vtlr"}) == 0, "a load writes no file");
   if (loaded) {
     fuzz::Check(!simulated || simulation, "simulation settings only when simulating");
     for (const ColumnDef& column : d.Columns)

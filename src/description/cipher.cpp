@@ -102,24 +102,16 @@ std::string EncryptDescription(std::string_view sourcePath) {
   return out ? "Cryptage successful !" : "Cannot open file ";
 }
 
-bool DecryptDescription(std::string_view sourcePath, std::string_view destinationPath,
-                        std::string& errorText) {
+std::optional<std::string> DecryptDescription(std::string_view sourcePath, std::string& errorText) {
   if (!EndsWith(sourcePath, ".vtld") && !EndsWith(sourcePath, ".vtl")) {
     errorText = "Bad source file extension !";
-    return false;
+    return std::nullopt;
   }
   const auto enciphered = ReadWhole(sourcePath);
   if (!enciphered) throw RuntimeError::FileNotFound();
-  std::ofstream out(NativePath(destinationPath), std::ios::binary | std::ios::trunc);
-  if (!out) throw RuntimeError::PathFileAccess();
-  std::string plain;
-  const bool ok = DecipherText(*enciphered, &plain).has_value();
-  out << plain;  // the lines deciphered before a failure stay, as the loader deletes the copy
-  if (!ok) {
-    errorText = "Incorrect file !";
-    return false;
-  }
-  return true;
+  std::optional<std::string> plain = DecipherText(*enciphered);
+  if (!plain) errorText = "Incorrect file !";
+  return plain;
 }
 
 }  // namespace vantrel

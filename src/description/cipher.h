@@ -41,9 +41,9 @@ std::optional<std::string> DecipherText(std::string_view enciphered,
 // followed by ".vtld" when it has no "."); the result text is "Cryptage successful !" or
 // "Cannot open file ".
 std::string EncryptDescription(std::string_view sourcePath);
-// Deciphers `sourcePath` (which must end in ".vtl" or ".vtld") into `destinationPath`;
-// throws RuntimeError when a file cannot be opened.
-bool DecryptDescription(std::string_view sourcePath, std::string_view destinationPath,
-                        std::string& errorText);
+// Deciphers `sourcePath` (which must end in ".vtl" or ".vtld") in memory and returns the plain
+// text; nothing, with `errorText` set, when the name or the text is refused. Throws
+// RuntimeError when the file cannot be read. The plain text never goes to a file.
+std::optional<std::string> DecryptDescription(std::string_view sourcePath, std::string& errorText);
 
 }  // namespace vantrel

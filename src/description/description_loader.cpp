@@ -1,9 +1,6 @@
 #include "description/description_loader.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
+#include <optional>
 
 #include "description/cipher.h"
 #include "description/column_parser.h"
@@ -15,35 +12,12 @@
 namespace vantrel {
 namespace {
 
-// The deciphered copy of a description: created private (0600) under a unique name and
-// removed when it goes out of scope, whatever happened meanwhile.
-class WorkingCopy {
- public:
-  WorkingCopy() {
-    std::error_code ec;
-    const std::filesystem::path directory = std::filesystem::temp_directory_path(ec);
-    if (ec) throw RuntimeError::PathFileAccess();  // never fall back to the current directory
-    std::string pattern = (directory / "vantrel-XXXXXX").string();
-    const int fd = ::mkstemp(pattern.data());  // mode 0600, never follows a link
-    if (fd < 0) throw RuntimeError::PathFileAccess();
-    ::close(fd);
-    path_ = pattern;
-  }
-  ~WorkingCopy() { ::unlink(path_.c_str()); }
-  WorkingCopy(const WorkingCopy&) = delete;
-  WorkingCopy& operator=(const WorkingCopy&) = delete;
-  const std::string& Path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
 bool Fail(std::string& errMsg, std::string message) {
   errMsg = std::move(message);
   return false;
 }
 
-bool LoadFromCopy(TraceDescription& d, int16_t headerLengthInForce,
+bool LoadFromText(TraceDescription& d, int16_t headerLengthInForce,
                   const DescriptionSources& sources, const ProfileFile& file, std::string& textFile,
                   std::string& errMsg) {
   d.HeaderApp = file.ReadString("VANTREL", "App");
@@ -89,14 +63,15 @@ bool LoadDescription(TraceDescription& d, int16_t headerLengthInForce,
   std::string textFile;
   try {
     {
-      const WorkingCopy copy;
+      // The description is deciphered and parsed in memory: no plain copy of it is written.
       std::string cipherError;
-      if (!DecryptDescription(d.DescriptionFile, copy.Path(), cipherError)) {
+      const std::optional<std::string> plain = DecryptDescription(d.DescriptionFile, cipherError);
+      if (!plain) {
         return Fail(errMsg,
                     "Error in description file :\n" + d.DescriptionFile + "\r\r" + cipherError);
       }
-      const ProfileFile file = ProfileFile::Load(copy.Path());
-      if (!LoadFromCopy(d, headerLengthInForce, sources, file, textFile, errMsg)) return false;
+      const ProfileFile file = ProfileFile::Parse(*plain);
+      if (!LoadFromText(d, headerLengthInForce, sources, file, textFile, errMsg)) return false;
     }
     if (!textFile.empty()) LoadValueTextFiles(textFile, sources);
   } catch (const RuntimeError& e) {

@@ -29,7 +29,7 @@ struct DescriptionSources {
 
 // Loads d.DescriptionFile. False with `errMsg` set on failure; the fields read before the
 // failure keep their new values, so the description is unusable until a later load succeeds.
-// The deciphered working copy is a private temporary file, removed on every path.
+// The description is deciphered and parsed in memory; no plain text of it is written to a file.
 bool LoadDescription(TraceDescription& d, int16_t headerLengthInForce,
                      const DescriptionSources& sources, std::string& errMsg);
 

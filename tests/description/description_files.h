@@ -1,13 +1,12 @@
 #pragma once
-// A fresh directory per test for description files, with TMPDIR pointed at an empty
-// directory of its own so that a test can see every temporary file the loader leaves.
+// A fresh directory per test for description files, with TMPDIR pointed at the directory
+// "tmp" inside it, so that a test can watch every file a reader writes, temporary ones too.
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "description/cipher.h"
 #include "support/temp_dir.h"
@@ -16,10 +15,10 @@ namespace vantrel::testing {
 
 class DescriptionFiles {
  public:
-  DescriptionFiles() : temp_(dir_.Path() / "tmp") {
-    std::filesystem::create_directory(temp_);
+  DescriptionFiles() {
+    std::filesystem::create_directory(dir_.Path() / "tmp");
     if (const char* old = std::getenv("TMPDIR")) oldTemp_ = old;
-    ::setenv("TMPDIR", temp_.c_str(), 1);
+    ::setenv("TMPDIR", (dir_.Path() / "tmp").c_str(), 1);
   }
   ~DescriptionFiles() {
     if (oldTemp_) {
@@ -45,19 +44,8 @@ class DescriptionFiles {
     return Write(name, EncipherText(plain));
   }
 
-  // Names of whatever is in the private temporary directory.
-  std::vector<std::string> TempEntries() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(temp_)) {
-      names.push_back(entry.path().filename().string());
-    }
-    return names;
-  }
-  const std::filesystem::path& TempDirectory() const { return temp_; }
-
  private:
   TempDir dir_;
-  std::filesystem::path temp_;
   std::optional<std::string> oldTemp_;
 };
 

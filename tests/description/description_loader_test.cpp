@@ -1,12 +1,13 @@
 #include "description/description_loader.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "description/description_files.h"
@@ -25,21 +26,24 @@ const std::string kDriver = "[DRIVER]\nTitle=North\nColumnWidth=900\n";
 const std::string kRegisters = "[REGISTER_0]\nBit_0=1,,Run,%d\n[REGISTER_1]\nWord1=2,800,Lvl,%d\n";
 const std::string kPlain = kHeader + kDriver + kRegisters;
 
+// Loads run in the test's own directory, which also holds the temporary directory.
 class Loader : public ::testing::Test {
  protected:
   void SetUp() override {
+    previous = std::filesystem::current_path();
+    std::filesystem::current_path(files.Root());
     sources.readSymbolFile = [this] { ++symbolReads; };
     sources.readValueTextFile = [this](const std::string& path) { textFilesRead.push_back(path); };
     sources.prompts = &prompts;
   }
-  // Whatever happened, no working copy outlives a load.
-  void TearDown() override { EXPECT_EQ(files.TempEntries(), std::vector<std::string>{}); }
+  void TearDown() override { std::filesystem::current_path(previous); }
 
   bool Load(const std::string& plain, const std::string& name = "d.vtld") {
     d.DescriptionFile = files.WriteEnciphered(name, plain);
-    return LoadDescription(d, 16, sources, err);
+    return LoadDescription(d, 12, sources, err);
   }
 
+  std::filesystem::path previous;
   testing::DescriptionFiles files;
   TraceDescription d;
   DescriptionSources sources;
@@ -49,13 +53,11 @@ class Loader : public ::testing::Test {
   std::vector<std::string> textFilesRead;
 };
 
-TEST_F(Loader, LoadsTheExampleDescription) {
-  const std::string plain = testing::ReadBytes(testing::ExamplesDirectory() + "/PMP1_pumps.vtl");
-  ASSERT_FALSE(plain.empty());
+TEST_F(Loader, LoadsTheShippedEncipheredExample) {
+  d.DescriptionFile = testing::ExamplesDirectory() + "/PMP1_pumps.vtld";
   const std::string project = files.Root().string() + "/project";
   sources.textFileDirectories = {project, "", files.Root().string() + "/res/"};
-
-  ASSERT_TRUE(Load(plain)) << err;
+  ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
   EXPECT_EQ(d.HeaderKeyText, "PMP1");
   EXPECT_EQ(d.ColumnCount, 12);
   EXPECT_EQ(symbolReads, 1);
@@ -64,72 +66,113 @@ TEST_F(Loader, LoadsTheExampleDescription) {
                                       files.Root().string() + "/res/pumps_texts.txt"}));
 }
 
-TEST_F(Loader, WorkingCopyIsAPrivateTemporaryFile) {
-  std::vector<std::filesystem::perms> seen;
-  sources.readSymbolFile = [&] {
-    for (const auto& entry : std::filesystem::directory_iterator(files.TempDirectory())) {
-      seen.push_back(entry.status().permissions());
-    }
-  };
-  ASSERT_TRUE(Load(Replace(kPlain, "%d\n[REG", "%g\n[REG")));
-  ASSERT_EQ(seen.size(), 1U);
-  EXPECT_EQ(seen[0], std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+// Notices every file created in the directories while it lasts, even one removed again
+// at once.
+class CreationWatch {
+ public:
+  explicit CreationWatch(const std::vector<std::string>& directories)
+      : fd_(::inotify_init1(IN_NONBLOCK)) {
+    for (const std::string& directory : directories)
+      EXPECT_GE(::inotify_add_watch(fd_, directory.c_str(), IN_CREATE | IN_MOVED_TO), 0);
+  }
+  ~CreationWatch() { ::close(fd_); }
+  CreationWatch(const CreationWatch&) = delete;
+  CreationWatch& operator=(const CreationWatch&) = delete;
+  bool SawCreation() const {
+    alignas(inotify_event) char buffer[4096];
+    return ::read(fd_, buffer, sizeof buffer) > 0;
+  }
+
+ private:
+  int fd_;
+};
+
+// The plain text exists only in memory: neither the temporary nor the working directory
+// gets a file, not even for a moment, and no temporary directory is needed at all.
+TEST_F(Loader, WritesNoFile) {
+  // Symbol columns in two sections: the symbol file is still read once per load.
+  const std::string symbols = Replace(Replace(kPlain, "Run,%d", "Run,%gs"), "Lvl,%d", "Lvl,%g");
+  d.DescriptionFile = files.WriteEnciphered(
+      "d.vtld", Replace(symbols, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t"));
+  sources.textFileDirectories = {"."};
+  const CreationWatch watch({files.Root().string(), files.Root().string() + "/tmp"});
+  ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
+  EXPECT_FALSE(watch.SawCreation());
+  EXPECT_EQ(symbolReads, 1);
+  EXPECT_EQ(textFilesRead, std::vector<std::string>{"./t"});
+
+  ::setenv("TMPDIR", files.Path("absent").c_str(), 1);
+  EXPECT_TRUE(Load(kPlain)) << err;
+  EXPECT_FALSE(std::filesystem::exists(files.Path("absent")));
 }
 
 TEST_F(Loader, FieldsOfTheHeaderAndDriverSections) {
   ASSERT_TRUE(Load(kPlain + "[INFO]\nline one\n\nline two\n[REGISTER_2]\nBit_0=9,,X,%d\n"));
+  EXPECT_EQ(d.HeaderApp, "Plant");
   EXPECT_EQ(d.DescVersion, 2);  // 2.5 rounds to even
   EXPECT_EQ(d.CounterIndex, 3);
+  EXPECT_EQ(d.RecordLength, 2);
   EXPECT_EQ(d.StringIndex, "5,6");
   EXPECT_EQ(d.Title, "North");
+  EXPECT_EQ(d.DefaultColumnWidth, 900);
   EXPECT_EQ(d.InfoText, "line one\rline two");
   EXPECT_EQ(d.ColumnCount, 2);  // REGISTER_2 lies beyond the record
   EXPECT_EQ(d.Columns[2].RegisterIndex, 1);
   EXPECT_TRUE(textFilesRead.empty());
-}
 
-TEST_F(Loader, NamesMatchInAnyCase) {
   std::string lower;
   for (char c : kPlain)
     lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  ASSERT_TRUE(Load(lower)) << err;
+  ASSERT_TRUE(Load(lower)) << err;  // section and key names match in any case
   EXPECT_EQ(d.Title, "north");
   EXPECT_EQ(d.ColumnCount, 2);
 }
 
-TEST_F(Loader, HeaderLengthMustBePositive) {
-  for (const char* value :
-       {"HeaderLenght=0", "HeaderLenght=-4", "HeaderLenght=abc", "HeaderLength=16"}) {
+// Numbers are read by their leading numeric prefix, rounding halves to even; a failed check
+// reports the value in force, not the rejected text, and what was read before it stays.
+TEST_F(Loader, HeaderAndDriverValues) {
+  struct Case {
+    std::string from, to, message;  // no message: the load succeeds
+    int counterIndex, columnWidth;
+  };
+  const std::string header = "Invalid Header Lenght : 12";
+  for (const Case& c :
+       std::vector<Case>{{"CounterIndex=3", "CounterIndex=0.5", "", 0, 900},
+                         {"CounterIndex=3", "CounterIndex=1.5", "", 2, 900},
+                         {"CounterIndex=3", "CounterIndex=2.5", "", 2, 900},
+                         {"CounterIndex=3", "CounterIndex=&H10", "", 16, 900},
+                         {"HeaderLenght=16", "HeaderLenght=16abc", "", 3, 900},
+                         {"ColumnWidth=900", "ColumnWidth=5", "", 3, 1000},
+                         {"ColumnWidth=900", "ColumnWidth=10", "", 3, 10},
+                         {"ColumnWidth=900", "ColumnWidth= 32767 ", "", 3, 32767},
+                         {"HeaderLenght=16", "HeaderLenght=0", header, 7, 0},
+                         {"HeaderLenght=16", "HeaderLenght=-4", header, 7, 0},
+                         {"HeaderLenght=16", "HeaderLenght=abc", header, 7, 0},
+                         {"HeaderLenght=16", "HeaderLength=16", header, 7, 0},
+                         {"[VANTREL]", "[OTHER]", header, 7, 0},
+                         {"CounterIndex=3", "CounterIndex=0", "Invalid Counter Index : 7", 7, 0},
+                         {"RecordLenght=2", "RecordLength=2", "Invalid Record Lenght : 9", 3, 0},
+                         {"ColumnWidth=900", "Width=900", "Type mismatch", 3, 0},
+                         {"ColumnWidth=900", "ColumnWidth=12abc", "Type mismatch", 3, 0},
+                         {"ColumnWidth=900", "ColumnWidth=40000", "Overflow", 3, 0}}) {
     d = TraceDescription{};
-    EXPECT_FALSE(Load(Replace(kPlain, "HeaderLenght=16", value))) << value;
-    EXPECT_EQ(err, "Invalid Header Lenght : 16") << value;
-    EXPECT_EQ(d.HeaderApp, "Plant") << value;  // read before the check
-    EXPECT_EQ(d.DescVersion, 2) << value;
-    EXPECT_EQ(d.CounterIndex, 4) << value;
+    d.CounterIndex = 7;
+    d.RecordLength = 9;
+    EXPECT_EQ(Load(Replace(kPlain, c.from, c.to)), c.message.empty()) << c.to;
+    EXPECT_EQ(err, c.message) << c.to;
+    EXPECT_EQ(d.CounterIndex, c.counterIndex) << c.to;
+    EXPECT_EQ(d.DefaultColumnWidth, c.columnWidth) << c.to;
+    EXPECT_EQ(d.Columns[1].Width, c.columnWidth) << c.to;  // the column left its width empty
+    EXPECT_EQ(d.HeaderApp, c.from == "[VANTREL]" ? "" : "Plant") << c.to;
+    err.clear();
   }
-  EXPECT_TRUE(Load(Replace(kPlain, "HeaderLenght=16", "HeaderLenght=16abc")));
-  EXPECT_FALSE(Load(kDriver + kRegisters));
-  EXPECT_EQ(err, "Invalid Header Lenght : 16");
 }
 
-TEST_F(Loader, CounterIndexRoundsHalvesToEven) {
-  for (const auto& [value, expected] :
-       std::vector<std::pair<std::string, int>>{{"0.5", 0}, {"1.5", 2}, {"2.5", 2}, {"&H10", 16}}) {
-    ASSERT_TRUE(Load(Replace(kPlain, "CounterIndex=3", "CounterIndex=" + value))) << value;
-    EXPECT_EQ(d.CounterIndex, expected) << value;
-  }
-  d.CounterIndex = 7;
-  EXPECT_FALSE(Load(Replace(kPlain, "CounterIndex=3", "CounterIndex=0")));
-  EXPECT_EQ(err, "Invalid Counter Index : 7");
-  EXPECT_EQ(d.CounterIndex, 7);
-}
-
-TEST_F(Loader, RecordLengthMustBePositiveAndBoundsTheSections) {
-  d.RecordLength = 9;
-  EXPECT_FALSE(Load(Replace(kPlain, "RecordLenght=2", "RecordLength=2")));
-  EXPECT_EQ(err, "Invalid Record Lenght : 9");
-  EXPECT_EQ(d.CounterIndex, 3);  // already taken from this file
-
+TEST_F(Loader, RecordLengthBoundsTheSectionsAndFlagsAreReset) {
+  d.ColumnCount = 50;
+  d.Columns[5].Defined = -1;
+  d.Columns[5].Marked = -1;
+  d.Columns[1].Marked = -1;
   const std::string three = Replace(kHeader, "RecordLenght=2", "RecordLenght=3") + kDriver +
                             "[REGISTER_0]\nBit_0=1,,A,%d\n[REGISTER_2]\nByte1=2,,B,%d\n"
                             "[REGISTER_3]\nByte1=3,,C,%d\n";
@@ -137,77 +180,36 @@ TEST_F(Loader, RecordLengthMustBePositiveAndBoundsTheSections) {
   EXPECT_EQ(d.RecordLength, 3);
   EXPECT_EQ(d.ColumnCount, 2);
   EXPECT_EQ(d.Columns[2].RegisterIndex, 2);
-  EXPECT_EQ(d.Columns[3].Defined, 0);
+  EXPECT_EQ(std::tie(d.Columns[3].Defined, d.Columns[5].Defined, d.Columns[5].Marked,
+                     d.Columns[1].Marked),
+            std::make_tuple(int16_t{0}, int16_t{0}, int16_t{0}, int16_t{0}));
 }
 
-TEST_F(Loader, ColumnWidthIsAStrictInteger) {
-  for (const auto& [value, expected] :
-       std::vector<std::pair<std::string, int>>{{"5", 1000}, {"10", 10}, {" 32767 ", 32767}}) {
-    ASSERT_TRUE(Load(Replace(kPlain, "ColumnWidth=900", "ColumnWidth=" + value))) << value;
-    EXPECT_EQ(d.DefaultColumnWidth, expected) << value;
-    EXPECT_EQ(d.Columns[1].Width, expected) << value;  // the column left its width empty
-  }
-  for (const auto& [line, message] :
-       std::vector<std::pair<std::string, std::string>>{{"Width=900", "Type mismatch"},
-                                                        {"ColumnWidth=12abc", "Type mismatch"},
-                                                        {"ColumnWidth=40000", "Overflow"}}) {
-    EXPECT_FALSE(Load(Replace(kPlain, "ColumnWidth=900", line))) << line;
-    EXPECT_EQ(err, message) << line;
-  }
-}
-
-TEST_F(Loader, FlagsAndColumnCountAreResetBeforeTheSections) {
-  d.ColumnCount = 50;
-  d.Columns[5].Defined = -1;
-  d.Columns[5].Marked = -1;
-  d.Columns[1].Marked = -1;
-  ASSERT_TRUE(Load(kPlain));
-  EXPECT_EQ(d.ColumnCount, 2);
-  EXPECT_EQ(d.Columns[5].Defined, 0);
-  EXPECT_EQ(d.Columns[5].Marked, 0);
-  EXPECT_EQ(d.Columns[1].Marked, 0);
-}
-
-TEST_F(Loader, NoColumnAboveZeroIsNoValidSection) {
-  sources.textFileDirectories = {"dir"};
-  EXPECT_FALSE(Load(kHeader + kDriver + "TextFile=t.txt\n[REGISTER_0]\nBit_0=0,,A,%d\n"));
-  EXPECT_EQ(err, "No valid section founded.");
-  EXPECT_EQ(textFilesRead, std::vector<std::string>{"dir/t.txt"});  // read before the check
-}
-
-TEST_F(Loader, SectionFailureStopsTheLoadBeforeTheTextFile) {
+// The text file is read once every register section was parsed, before the column check.
+TEST_F(Loader, TextFileComesAfterTheSectionsAndBeforeTheColumnCheck) {
   sources.textFileDirectories = {"dir"};
   const std::string withText =
       Replace(kPlain, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t.txt");
-  ASSERT_TRUE(Load(withText));
-  ASSERT_EQ(textFilesRead.size(), 1U);
-  textFilesRead.clear();
   EXPECT_FALSE(Load(Replace(withText, "Word1=2,800,Lvl,%d", "Word1=300,800,Lvl,%d")));
   EXPECT_EQ(err, "Reading error in section REGISTER_1");
   EXPECT_EQ(d.Columns[1].Defined, -1);
   EXPECT_TRUE(textFilesRead.empty());
+
+  EXPECT_FALSE(Load(Replace(Replace(withText, "Bit_0=1", "Bit_0=0"), "Word1=2", "Word1=0")));
+  EXPECT_EQ(err, "No valid section founded.");  // column 0 alone does not count
+  EXPECT_EQ(textFilesRead, std::vector<std::string>{"dir/t.txt"});
 }
 
 TEST_F(Loader, FileErrorsAreWrapped) {
-  const std::string upper = files.WriteEnciphered("trace.VTL", kPlain);
-  d.DescriptionFile = upper;
-  EXPECT_FALSE(LoadDescription(d, 16, sources, err));
-  EXPECT_EQ(err, "Error in description file :\n" + upper + "\r\rBad source file extension !");
-
-  d.DescriptionFile = files.Write("plain.vtl", kPlain);
-  EXPECT_FALSE(LoadDescription(d, 16, sources, err));
-  EXPECT_EQ(err, "Error in description file :\n" + d.DescriptionFile + "\r\rIncorrect file !");
-
-  d.DescriptionFile = files.Path("missing.vtld");
-  EXPECT_FALSE(LoadDescription(d, 16, sources, err));
-  EXPECT_EQ(err, "File not found");
-}
-
-TEST_F(Loader, NoUsableTemporaryDirectoryFailsTheLoad) {
-  ::setenv("TMPDIR", files.Path("absent").c_str(), 1);
-  EXPECT_FALSE(Load(kPlain));
-  EXPECT_EQ(err, "Path/File access error");
-  EXPECT_FALSE(std::filesystem::exists(files.Path("absent")));
+  const std::string wrapped = "Error in description file :\n";
+  for (const auto& [path, message] : std::vector<std::pair<std::string, std::string>>{
+           {files.WriteEnciphered("trace.VTL", kPlain), "\r\rBad source file extension !"},
+           {files.Write("plain.vtl", kPlain), "\r\rIncorrect file !"},
+           {files.Path("missing.vtld"), ""}}) {
+    d.DescriptionFile = path;
+    EXPECT_FALSE(LoadDescription(d, 16, sources, err));
+    EXPECT_EQ(err, message.empty() ? "File not found" : wrapped + path + message);
+  }
 }
 
 TEST_F(Loader, TextFilePatternsAreSearchedInEveryDirectory) {

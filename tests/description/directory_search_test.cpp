@@ -1,7 +1,6 @@
 #include "description/directory_search.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -14,37 +13,27 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-class DirectorySearch : public ::testing::Test {
- protected:
-  void SetUp() override {
-    for (const char* name : {"b.TXT", "A.txt", "c.txt", "ab.txt", "x.dat", "sub/d.txt"}) {
-      files.Write(name, "x");
-    }
-    dir = files.Root().string() + "/";
-  }
+TEST(DirectorySearch, MatchesWithoutCaseSortedByNameNotRecursive) {
   testing::DescriptionFiles files;
-  std::string dir;
-};
-
-TEST_F(DirectorySearch, MatchesWithoutCaseSortedByNameNotRecursive) {
-  EXPECT_EQ(FindFiles(dir, "*.txt"), (Names{"A.txt", "ab.txt", "b.TXT", "c.txt"}));
-  EXPECT_EQ(FindFiles(dir, "?.TXT"), (Names{"A.txt", "b.TXT", "c.txt"}));
+  for (const char* name : {"b.TXT", "A.txt", "C.txt", "ab.txt", "x.dat", "sub/d.txt"})
+    files.Write(name, "x");
+  const std::string dir = files.Root().string() + "/";
+  EXPECT_EQ(FindFiles(dir, "*.txt"), (Names{"A.txt", "ab.txt", "b.TXT", "C.txt"}));
+  EXPECT_EQ(FindFiles(dir, "?.TXT"), (Names{"A.txt", "b.TXT", "C.txt"}));
   EXPECT_EQ(FindFiles(dir, "a*"), (Names{"A.txt", "ab.txt"}));
+  EXPECT_EQ(FindFiles(dir, "s*"), Names{"sub"});  // directories are passed on
   EXPECT_EQ(FindFiles(dir, "*.none"), Names{});
   EXPECT_EQ(FindFiles(dir + "missing/", "*"), Names{});
-}
 
-TEST_F(DirectorySearch, DirectoriesMatchingThePatternArePassedOn) {
-  EXPECT_EQ(FindFiles(dir, "s*"), Names{"sub"});
-}
-
-TEST_F(DirectorySearch, EmptyDirectoryReadsNothingEvenInTheCurrentDirectory) {
+  // An empty directory reads nothing, even where the current directory has matches.
   const auto previous = std::filesystem::current_path();
   std::filesystem::current_path(files.Root());
   Names read;
   SearchTextFiles("", "*.txt", [&](const std::string& path) { read.push_back(path); });
   std::filesystem::current_path(previous);
   EXPECT_TRUE(read.empty());
+  SearchTextFiles(dir, "?.TXT", [&](const std::string& path) { read.push_back(path); });
+  EXPECT_EQ(read, (Names{dir + "A.txt", dir + "b.TXT", dir + "C.txt"}));
 }
 
 TEST(Wildcard, StarsAndQuestionMarks) {

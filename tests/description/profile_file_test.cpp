@@ -3,81 +3,60 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "description/description_files.h"
 
 namespace vantrel {
 namespace {
 
-TEST(ProfileRead, NamesMatchWithoutCaseOrSurroundingBlanks) {
-  const ProfileFile f = ProfileFile::Parse("[ Driver\t]\n  TITLE \t=  Pumps North \t\n");
-  EXPECT_EQ(ReadProfileString(f, "driver", " title "), "Pumps North");
-  EXPECT_EQ(ReadProfileString(f, "DRIVER ", "Title"), "Pumps North");
-  EXPECT_EQ(ReadProfileString(f, "Drive", "Title"), "");
-}
-
-TEST(ProfileRead, FirstSectionAndFirstKeyWin) {
-  const ProfileFile f = ProfileFile::Parse("[A]\nk=1\nK=2\n[B]\nx=0\n[a]\nk=3\nm=4\n");
-  EXPECT_EQ(ReadProfileString(f, "A", "k"), "1");
-  EXPECT_EQ(ReadProfileString(f, "a", "m"), "");  // the later [a] is never seen
-  EXPECT_EQ(ReadProfileSection(f, "A"), "k=1\rK=2");
-}
-
-TEST(ProfileRead, ValuesAreCutAt255Characters) {
-  const std::string longValue(300, 'v');
-  const ProfileFile f =
-      ProfileFile::Parse("[S]\nlong=" + longValue + "\nshort=" + std::string(255, 'w') + "\n");
-  EXPECT_EQ(ReadProfileString(f, "S", "long"), std::string(255, 'v'));
-  EXPECT_EQ(ReadProfileString(f, "S", "short"), std::string(255, 'w'));
-}
-
-TEST(ProfileRead, EmptyValueAbsentKeyAndAbsentSectionAllReadEmpty) {
-  const ProfileFile f = ProfileFile::Parse("[S]\nkey=\nbare\n");
-  EXPECT_EQ(ReadProfileString(f, "S", "key"), "");
-  EXPECT_EQ(ReadProfileString(f, "S", "bare"), "");
-  EXPECT_EQ(ReadProfileString(f, "S", "other"), "");
-  EXPECT_EQ(ReadProfileString(f, "T", "key"), "");
-  EXPECT_EQ(ReadProfileString(ProfileFile::Load("/nonexistent/x.ini"), "S", "key"), "");
-}
-
-TEST(ProfileRead, QuotesEqualsAndSemicolons) {
-  const ProfileFile f = ProfileFile::Parse(
-      "[S]\n"
-      "dq=\" spaced \"\n"
-      "sq='single'\n"
-      "mixed=\"open'\n"
-      "lone=\"\n"
-      "comment=b ; c\n"
-      "eq = x=y\n"
-      ";hidden=1\n");
-  EXPECT_EQ(ReadProfileString(f, "S", "dq"), " spaced ");
-  EXPECT_EQ(ReadProfileString(f, "S", "sq"), "single");
-  EXPECT_EQ(ReadProfileString(f, "S", "mixed"), "\"open'");
-  EXPECT_EQ(ReadProfileString(f, "S", "lone"), "\"");
-  EXPECT_EQ(ReadProfileString(f, "S", "comment"), "b ; c");
-  EXPECT_EQ(ReadProfileString(f, "S", "eq"), "x=y");
-  EXPECT_EQ(ReadProfileString(f, "S", ";hidden"), "");
-  // A section read keeps the quotes.
-  EXPECT_EQ(ReadProfileSection(f, "S"),
-            "dq=\" spaced \"\rsq='single'\rmixed=\"open'\rlone=\"\rcomment=b ; c\req=x=y");
-}
-
-TEST(ProfileRead, AllThreeLineEndsAndUnclosedBrackets) {
-  const ProfileFile f =
-      ProfileFile::Parse("[A]\r\na=1\rb=2\nc=3\r\n[W\nw=4\n[B] text after\r\nz=5");
-  EXPECT_EQ(ReadProfileString(f, "A", "a"), "1");
-  EXPECT_EQ(ReadProfileString(f, "A", "b"), "2");
-  EXPECT_EQ(ReadProfileString(f, "A", "c"), "3");
-  EXPECT_EQ(ReadProfileString(f, "A", "w"), "4");  // "[W" opened no section
-  EXPECT_EQ(ReadProfileString(f, "W", "w"), "");
-  EXPECT_EQ(ReadProfileString(f, "B", "z"), "5");
+TEST(ProfileRead, ValuesAsTheControlReadsThem) {
+  struct Case {
+    std::string content, section, key, value;
+  };
+  const std::string quotes =
+      "[S]\ndq=\" spaced \"\nsq='single'\nmixed=\"open'\nlone=\"\ncomment=b ; c\neq = x=y\n"
+      ";hidden=1\nempty=\nbare\n";
+  const std::string lineEnds = "[A]\r\na=1\rb=2\nc=3\r\n[W\nw=4\n[B] text after\r\nz=5";
+  const std::string twice = "[A]\nk=1\nK=2\n[B]\nx=0\n[a]\nk=3\nm=4\n";
+  for (const Case& c : std::vector<Case>{
+           {"[ Driver\t]\n  TITLE \t=  Pumps North \t\n", "driver", " title ", "Pumps North"},
+           {"[ Driver\t]\n  TITLE \t=  Pumps North \t\n", "DRIVER ", "Title", "Pumps North"},
+           {"[ Driver\t]\n  TITLE \t=  Pumps North \t\n", "Drive", "Title", ""},
+           {twice, "A", "k", "1"},
+           {twice, "a", "m", ""},  // the later [a] is never seen
+           {"[S]\nlong=" + std::string(300, 'v'), "S", "long", std::string(255, 'v')},
+           {"[S]\nv=" + std::string(255, 'w'), "S", "v", std::string(255, 'w')},
+           {quotes, "S", "dq", " spaced "},
+           {quotes, "S", "sq", "single"},
+           {quotes, "S", "mixed", "\"open'"},
+           {quotes, "S", "lone", "\""},
+           {quotes, "S", "comment", "b ; c"},
+           {quotes, "S", "eq", "x=y"},
+           {quotes, "S", ";hidden", ""},
+           {quotes, "S", "empty", ""},
+           {quotes, "S", "bare", ""},
+           {quotes, "T", "dq", ""},
+           {lineEnds, "A", "a", "1"},
+           {lineEnds, "A", "b", "2"},
+           {lineEnds, "A", "c", "3"},
+           {lineEnds, "A", "w", "4"},  // "[W" opened no section
+           {lineEnds, "W", "w", ""},
+           {lineEnds, "B", "z", "5"},
+           {"k=0\n[S]\n", "", "k", ""},  // lines before the first section belong to none
+           {std::string("[S]\nk=ab\0cd\n", 12), "S", "k", "ab"}}) {
+    EXPECT_EQ(ReadProfileString(ProfileFile::Parse(c.content), c.section, c.key), c.value)
+        << c.content << " [" << c.section << "] " << c.key;
+  }
 }
 
 TEST(ProfileSection, LinesInFileOrderJoinedByCarriageReturns) {
-  const ProfileFile f = ProfileFile::Parse("[S]\na=1\n; note\n\n  b = 2 \n[T]\n");
-  EXPECT_EQ(ReadProfileSection(f, "s"), "a=1\rb=2");
+  const ProfileFile f = ProfileFile::Parse(
+      "[S]\na=1\n; note\n\n  b = 2 \nq=\"x\"\nbare\n[T]\n[s]\nc=3\n[U]\nk=1\nK=2\n");
+  EXPECT_EQ(ReadProfileSection(f, "s"), "a=1\rb=2\rq=\"x\"\rbare");
   EXPECT_EQ(ReadProfileSection(f, "T"), "");
-  EXPECT_EQ(ReadProfileSection(f, "U"), "");
+  EXPECT_EQ(ReadProfileSection(f, "V"), "");
+  EXPECT_EQ(ReadProfileSection(f, "U"), "k=1\rK=2");
 }
 
 TEST(ProfileSection, DoesNotFitFrom32765Characters) {
@@ -93,19 +72,21 @@ TEST(ProfileSection, DoesNotFitFrom32765Characters) {
   EXPECT_EQ(ReadProfileSection(tooBig, "S"), "");
   EXPECT_EQ(tooBig.ReadSectionLines("S").characters, kSectionDoesNotFit);
 
-  // Counted over several lines the same way: 5 lines of 6552 characters plus terminators.
+  // Counted over several lines the same way, and no further once the section does not fit:
+  // 6 lines of 6552 characters plus terminators.
   std::string many = "[S]\n";
-  for (int i = 0; i < 5; ++i)
+  for (int i = 0; i < 6; ++i)
     many += "k" + std::to_string(i) + "=" + std::string(6549, 'y') + "\n";
   EXPECT_EQ(ProfileFile::Parse(many).ReadSectionLines("S").characters, kSectionDoesNotFit);
 }
 
-TEST(ProfileFileLoad, ReadsTheFileOnce) {
+TEST(ProfileFileLoad, ReadsTheFileOnceAndAMissingFileAsEmpty) {
   testing::DescriptionFiles files;
   const std::string path = files.Write("a.ini", "[S]\r\nk=first\r\n");
   const ProfileFile f = ProfileFile::Load(path);
   files.Write("a.ini", "[S]\r\nk=second\r\n");
   EXPECT_EQ(ReadProfileString(f, "S", "k"), "first");
+  EXPECT_EQ(ReadProfileSection(ProfileFile::Load(files.Path("none.ini")), "S"), "");
 }
 
 TEST(PathHelpers, TrailingSeparatorAndNul) {

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "description/description_files.h"
 
@@ -40,22 +41,16 @@ TEST_F(UserBuffer, ColumnsAndHeaderFields) {
   EXPECT_EQ(d.RecordLength, 4);  // 3.5 rounds to even
   EXPECT_EQ(d.DefaultColumnWidth, 1000);
   EXPECT_EQ(d.ColumnCount, 3);
-  const ColumnDef& valves = d.Columns[2];
-  EXPECT_EQ(valves.Defined, -1);
-  EXPECT_EQ(valves.RegisterIndex, 1);
-  EXPECT_EQ(valves.FieldType, 2);
-  EXPECT_EQ(valves.Position, 3);
-  EXPECT_EQ(valves.Width, 900);
-  EXPECT_EQ(valves.Caption, "Valves");
-  EXPECT_EQ(valves.DisplayCode, "b");
+  const ColumnDef& v = d.Columns[2];
+  EXPECT_EQ(std::tie(v.Defined, v.RegisterIndex, v.FieldType, v.Position, v.Width),
+            std::make_tuple(int16_t{-1}, int16_t{1}, int16_t{2}, int16_t{3}, 900));
+  EXPECT_EQ(v.Caption + "|" + v.DisplayCode, "Valves|b");
   EXPECT_EQ(d.Columns[3].Position, 9);  // not range-checked here
   EXPECT_EQ(d.Columns[3].DisplayCode, "7h");
   EXPECT_EQ(d.Columns[0].Defined, 0);
   EXPECT_EQ(d.Columns[4].Defined, 0);  // beyond Column=3
   EXPECT_FALSE(simulationOut.has_value());
-}
 
-TEST_F(UserBuffer, SimulationTakesIntervalAndRecordCount) {
   ASSERT_TRUE(Load(kUserBuffer, true));
   ASSERT_TRUE(simulationOut.has_value());
   EXPECT_EQ(simulationOut->intervalMs, 250);
@@ -63,29 +58,29 @@ TEST_F(UserBuffer, SimulationTakesIntervalAndRecordCount) {
 }
 
 TEST_F(UserBuffer, RefusedFiles) {
-  for (const char* line : {"UserBuffer=0", "UserBuffer=x", "Other=1"}) {
-    EXPECT_FALSE(Load(Replace(kUserBuffer, "UserBuffer=1", line))) << line;
-    EXPECT_EQ(err, "No user buffer defined in the source file :\n" + path) << line;
+  struct Case {
+    std::string from, to, key, message;
+  };
+  const std::string none = "No user buffer defined in the source file :\n";
+  for (const Case& c :
+       std::vector<Case>{{"UserBuffer=1", "UserBuffer=0", "TNK1", none},
+                         {"UserBuffer=1", "UserBuffer=x", "TNK1", none},
+                         {"UserBuffer=1", "Other=1", "TNK1", none},
+                         {"", "", "tnk1", "Invalid header key in the source file :\n"},
+                         {"", "", "", "Invalid header key in the source file :\n"},
+                         {"HeaderType=1", "HeaderType=2", "TNK1",
+                          "Invalid header type in the source file :\n"}}) {
+    d = TraceDescription{};
+    EXPECT_FALSE(Load(Replace(kUserBuffer, c.from, c.to), c.from.empty(), c.key)) << c.to;
+    EXPECT_EQ(err, c.message + path) << c.to;
+    EXPECT_EQ(d.RecordLength, 0) << c.to;
   }
+  EXPECT_EQ(d.Title, "Tanks");  // read before the failing check
   EXPECT_TRUE(Load(Replace(kUserBuffer, "UserBuffer=1", "UserBuffer=2")));
+  EXPECT_TRUE(Load(Replace(kUserBuffer, "HeaderKey=TNK1\n", ""), true, ""));
 
   EXPECT_FALSE(LoadUserBuffer(d, files.Path("none.vtlr"), "TNK1", false, simulationOut, err));
-  EXPECT_EQ(err, "No user buffer defined in the source file :\n" + files.Path("none.vtlr"));
-
-  d = TraceDescription{};
-  EXPECT_FALSE(Load(Replace(kUserBuffer, "HeaderType=1", "HeaderType=2")));
-  EXPECT_EQ(err, "Invalid header type in the source file :\n" + path);
-  EXPECT_EQ(d.Title, "Tanks");  // read before the failing check
-  EXPECT_EQ(d.RecordLength, 0);
-}
-
-TEST_F(UserBuffer, HeaderKeyMustMatchExactly) {
-  for (const char* key : {"tnk1", "TNK", ""}) {
-    EXPECT_FALSE(Load(kUserBuffer, false, key)) << key;
-    EXPECT_EQ(err, "Invalid header key in the source file :\n" + path) << key;
-  }
-  EXPECT_FALSE(Load(kUserBuffer, true, "")) << "simulation compares the key too";
-  EXPECT_TRUE(Load(Replace(kUserBuffer, "HeaderKey=TNK1\n", ""), true, ""));
+  EXPECT_EQ(err, none + files.Path("none.vtlr"));
 }
 
 TEST_F(UserBuffer, ColumnLinesThatDoNotDefineAColumn) {
@@ -112,12 +107,10 @@ TEST_F(UserBuffer, ColumnCountIsClearedAndBoundedTo127) {
 }
 
 TEST(UserBufferName, MustEndInVtlr) {
-  for (const char* good : {"trace.vtlr", "C:\\x\\TRACE.VTLR", "abcd"}) {
+  for (const char* good : {"trace.vtlr", "C:\\x\\TRACE.VTLR", "abcd"})
     EXPECT_TRUE(HasUserBufferExtension(good)) << good;
-  }
-  for (const char* bad : {"trace.vtlr.bak", "abcde", "a.vtlr.vtlr"}) {
+  for (const char* bad : {"trace.vtlr.bak", "abcde", "a.vtlr.vtlr"})
     EXPECT_FALSE(HasUserBufferExtension(bad)) << bad;
-  }
 }
 
 }  // namespace

@@ -14,141 +14,80 @@
 namespace vantrel {
 namespace {
 
-using testing::ErrorNumberOf;
+using Keys = std::vector<std::string>;
 
-struct SymbolFileTest : ::testing::Test {
-  testing::TempDir dir;
+Keys KeysOf(const cSymbol& symbols) {
+  Keys keys;
+  for (int32_t i = 1; i <= symbols.Count(); ++i)
+    keys.push_back(symbols.KeyAt(i));
+  return keys;
+}
 
+struct SymbolFile : ::testing::Test {
   cSymbol Read(const std::string& content) {
-    const std::string path = dir.File("symbols.sy5");
-    std::ofstream(path, std::ios::binary) << content;
-    return ReadSymbolFile(path);
+    std::ofstream(dir.File("symbols.sy5"), std::ios::binary) << content;
+    return ReadSymbolFile(dir.File("symbols.sy5"));
   }
-
-  static std::vector<std::string> Keys(const cSymbol& symbols) {
-    std::vector<std::string> keys;
-    for (int32_t i = 1; i <= symbols.Count(); ++i)
-      keys.push_back(symbols.KeyAt(i));
-    return keys;
-  }
+  testing::TempDir dir;
 };
 
-TEST_F(SymbolFileTest, EveryMediaWordAndQualifier) {
+TEST_F(SymbolFile, WhichLinesDefineWhichKeys) {
+  const std::vector<std::pair<std::string, Keys>> cases = {
+      {"Lamp EQU VOL F 12\nIn1 EQU I 3\nOut1 EQU O 33\nReg EQU RAM R 4\nTim EQU T 5\n"
+       "Cnt EQU C 1600\nStore EQU DB 4000\nMsg EQU TEXT 7\nMsg2 EQU X 8\nBoth EQU VOL RAM R 9\n"
+       "Lower equ R 10\n",
+       {"F 12", "I 3", "O 33", "R 4", "T 5", "C 1600", "DB 4000", "X 7", "X 8", "R 9", "R 10"}},
+      // Comments, short lines, other media, two blanks, missing words, a leading blank.
+      {"; Commented EQU R 1\nab\nFoo EQU K 5\nFoo = R 5\nBar EQU R  200\nGap EQU  R 6\n"
+       "NoAddr EQU R\nQualified EQU VOL\n Lead EQU R 7\nKept EQU R 8\n",
+       {"R 8"}},
+      {"Table EQU R [10] 300\nBlock EQU DB [2] 4001\n", {"R 300", "DB 4001"}},
+      {"Half EQU R 2.5\nUp EQU R 3.5\nHex EQU R &H10\nTail EQU R 21abc\n",
+       {"R 2", "R 4", "R 16", "R 21"}},
+      {"Tab\tEQU\tR\t77\t;\tnote\nSemi EQU R 78 ;a;b\nPair\tEQU R\t\t79\n", {"R 77", "R 78"}},
+      {"First EQU R 100 ; one\nSecond EQU R 100 ; two\nLower EQU r 100\n", {"R 100"}},
+      // An address beyond 16 bits ends the read keeping what was added.
+      {"Ok1 EQU R 1\nBig EQU R 40000\nOk2 EQU R 2\n", {"R 1"}}};
+  for (const auto& [content, keys] : cases)
+    EXPECT_EQ(KeysOf(Read(content)), keys) << content;
+}
+
+TEST_F(SymbolFile, NamesCommentsAndAddresses) {
   const cSymbol symbols = Read(
-      "Lamp EQU VOL F 12\n"
-      "In1 EQU I 3\n"
-      "Out1 EQU O 33\n"
-      "Reg EQU RAM R 4\n"
-      "Tim EQU T 5\n"
-      "Cnt EQU C 1600\n"
-      "Store EQU DB 4000\n"
-      "Msg EQU TEXT 7\n"
-      "Msg2 EQU X 8\n"
-      "Both EQU VOL RAM R 9\n"
-      "Lower equ R 10\n");
-  EXPECT_EQ(Keys(symbols), (std::vector<std::string>{"F 12", "I 3", "O 33", "R 4", "T 5", "C 1600",
-                                                     "DB 4000", "X 7", "X 8", "R 9", "R 10"}));
+      "Top EQU R 1 ; one\nSecond EQU R 1 ; two\nMsg EQU TEXT 7\nStore EQU DB 4000\n"
+      "Tab\tEQU\tR\t77\t;\tnote\nSemi EQU R 78 ;a;b\n"
+      "$GROUP Pumps\n$group   Valves  more words\nV1 EQU O 33\n$ENDGROUP\nV2 EQU O 34\n"
+      "$ENDGROUP\n$GROUP Fans\nF1 EQU F 1\n");
+  EXPECT_EQ(symbols.Item("R 1").Name(), "Top");
+  EXPECT_EQ(symbols.Item("R 1").Comment(), " one");
   EXPECT_EQ(symbols.Item("X 7").Name(), "Msg");
-  EXPECT_EQ(symbols.Item("R 10").Name(), "Lower");
+  EXPECT_EQ(symbols.Item("X 7").Comment(), "");
   EXPECT_EQ(symbols.Item("DB 4000").Addr(), 4000);
-  EXPECT_EQ(symbols.Item("F 12").Comment(), "");
-}
-
-TEST_F(SymbolFileTest, LinesOutsideTheSyntaxArePassedOver) {
-  const cSymbol symbols = Read(
-      "; Commented EQU R 1\n"
-      "ab\n"
-      "Foo EQU K 5\n"
-      "Foo = R 5\n"
-      "Bar EQU R  200\n"
-      "Gap EQU  R 6\n"
-      "NoAddr EQU R\n"
-      "Qualified EQU VOL\n"
-      " Lead EQU R 7\n"
-      "Kept EQU R 8\n");
-  EXPECT_EQ(Keys(symbols), std::vector<std::string>{"R 8"});
-}
-
-TEST_F(SymbolFileTest, IndexWordsBeforeTheAddressArePassedOver) {
-  const cSymbol symbols = Read("Table EQU R [10] 300\nBlock EQU DB [2] 4001\n");
-  EXPECT_EQ(Keys(symbols), (std::vector<std::string>{"R 300", "DB 4001"}));
-}
-
-TEST_F(SymbolFileTest, TheAddressIsALeadingNumberRoundedHalfToEven) {
-  const cSymbol symbols = Read(
-      "Half EQU R 2.5\n"
-      "Up EQU R 3.5\n"
-      "Hex EQU R &H10\n"
-      "Tail EQU R 21abc\n");
-  EXPECT_EQ(Keys(symbols), (std::vector<std::string>{"R 2", "R 4", "R 16", "R 21"}));
-}
-
-TEST_F(SymbolFileTest, TabsBecomeBlanksAndTheCommentIsKeptAsWritten) {
-  const cSymbol symbols = Read(
-      "Tab\tEQU\tR\t77\t;\tnote\n"
-      "Semi EQU R 78 ;a;b\n"
-      "Pair\tEQU R\t\t79\n");
-  EXPECT_EQ(Keys(symbols), (std::vector<std::string>{"R 77", "R 78"}));
   EXPECT_EQ(symbols.Item("R 77").Comment(), " note");
   EXPECT_EQ(symbols.Item("R 78").Comment(), "a;b");
-}
-
-TEST_F(SymbolFileTest, GroupNamesPrefixTheSymbolsAndAccumulate) {
-  const cSymbol symbols = Read(
-      "Top EQU R 1\n"
-      "$GROUP Pumps\n"
-      "$group   Valves  more words\n"
-      "V1 EQU O 33\n"
-      "$ENDGROUP\n"
-      "V2 EQU O 34\n"
-      "$ENDGROUP\n"
-      "$GROUP Fans\n"
-      "F1 EQU F 1\n");
-  EXPECT_EQ(symbols.Item("R 1").Name(), "Top");
   EXPECT_EQ(symbols.Item("O 33").Name(), "Pumps.Valves.V1");
   // Ending a group keeps the prefix: names go on accumulating to the end of the file.
   EXPECT_EQ(symbols.Item("O 34").Name(), "Pumps.Valves.V2");
   EXPECT_EQ(symbols.Item("F 1").Name(), "Pumps.Valves.Fans.F1");
 }
 
-TEST_F(SymbolFileTest, TheFirstSymbolOfAnAddressWins) {
-  const cSymbol symbols = Read("First EQU R 100 ; one\nSecond EQU R 100 ; two\nLower EQU r 100\n");
-  ASSERT_EQ(symbols.Count(), 1);
-  EXPECT_EQ(symbols.Item("R 100").Name(), "First");
-  EXPECT_EQ(symbols.Item("R 100").Comment(), " one");
-}
-
-TEST_F(SymbolFileTest, AnAddressBeyond16BitsEndsTheReadKeepingWhatWasAdded) {
-  const cSymbol symbols = Read("Ok1 EQU R 1\nBig EQU R 40000\nOk2 EQU R 2\n");
-  EXPECT_EQ(Keys(symbols), std::vector<std::string>{"R 1"});
-}
-
-TEST_F(SymbolFileTest, NoFileLeavesTheCollectionEmpty) {
+TEST_F(SymbolFile, NoFileLeavesTheCollectionAsItIs) {
   EXPECT_EQ(ReadSymbolFile("").Count(), 0);
-  EXPECT_EQ(ReadSymbolFile(dir.File("missing.sy5")).Count(), 0);
   cSymbol kept;
   kept.Add("R", "Old", "", 1);
   ReadSymbolFile(kept, dir.File("missing.sy5"));
-  EXPECT_EQ(kept.Count(), 1);
+  EXPECT_EQ(KeysOf(kept), Keys{"R 1"});
 }
 
-TEST(SymbolCollection, PositionsCountFromOneAndBadOnesAreErrors) {
-  cSymbol symbols;
-  symbols.Add("R", "A", "", 1);
-  symbols.Add("R", "B", "", 2);
-  EXPECT_EQ(symbols.Item(1).Name(), "A");
-  EXPECT_EQ(symbols.Item(2).Name(), "B");
-  EXPECT_EQ(ErrorNumberOf([&] { symbols.Item(0); }), 9);
-  EXPECT_EQ(ErrorNumberOf([&] { symbols.Item(3); }), 9);
-  EXPECT_EQ(ErrorNumberOf([&] { symbols.Item("R 3"); }), 5);
-  EXPECT_EQ(ErrorNumberOf([&] { symbols.Remove(3); }), 9);
-  EXPECT_EQ(symbols.Count(), 2);
-}
-
-TEST(SymbolCollection, RemovalKeepsTheOrderOfTheRest) {
+TEST(SymbolCollection, PositionsKeysAndRemoval) {
   cSymbol symbols;
   for (int16_t a = 1; a <= 4; ++a)
     symbols.Add("R", "S" + std::to_string(a), "", a);
+  EXPECT_EQ(symbols.Item(2).Name(), "S2");
+  EXPECT_EQ(testing::ErrorNumberOf([&] { symbols.Item(0); }), 9);
+  EXPECT_EQ(testing::ErrorNumberOf([&] { symbols.Item(5); }), 9);
+  EXPECT_EQ(testing::ErrorNumberOf([&] { symbols.Item("R 5"); }), 5);
+  EXPECT_EQ(testing::ErrorNumberOf([&] { symbols.Remove(5); }), 9);
   symbols.Remove("r 2");
   symbols.Remove(2);  // now "R 3"
   std::vector<std::string> names;
@@ -159,8 +98,7 @@ TEST(SymbolCollection, RemovalKeepsTheOrderOfTheRest) {
   EXPECT_EQ(symbols.Find("R 3"), nullptr);
   // A removed key can be used again and comes last.
   symbols.Add("R", "Again", "", 2);
-  EXPECT_EQ(symbols.Item(3).Name(), "Again");
-  EXPECT_EQ(symbols.KeyAt(3), "R 2");
+  EXPECT_EQ(KeysOf(symbols), (Keys{"R 1", "R 4", "R 2"}));
   EXPECT_EQ(symbols.Item("R 2").Name(), "Again");
 }
 
