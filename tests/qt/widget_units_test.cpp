@@ -1,4 +1,4 @@
-// The widget's units that stand alone: text conversion, the surface geometry, the table
+// The widget's units that stand alone: text conversion, the title's geometry, the table
 // model adapter, clipboard text and the value conversions.
 
 #include <QSignalSpy>
@@ -13,6 +13,7 @@
 #include "vantrel/table_model.h"
 
 using namespace vantrel::qt;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -27,33 +28,35 @@ vantrel::TableModel SmallTable() {
   return table;
 }
 
+QStringList Numbers(const QAbstractItemModel& model) {
+  QStringList shown;
+  for (int row = 0; row < model.rowCount(); ++row)
+    shown << model.headerData(row, Qt::Vertical).toString();
+  return shown;
+}
+
 }  // namespace
 
 class WidgetUnitsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void textsConvertBetweenWindows1252AndUnicode() {
+  void textsConvertBetweenWindows1252AndUnicodeAndTheTitleNeverGetsANegativeWidth() {
     // 0x80 is the euro sign in Windows-1252, 0xE9 an e with acute accent (as in Latin-1).
     QCOMPARE(ToQString("\x80 \xE9t\xE9"), QString::fromUtf8("\u20AC \u00E9t\u00E9"));
     QCOMPARE(FromQString(QString::fromUtf8("\u20AC \u00E9t\u00E9")), std::string("\x80 \xE9t\xE9"));
-  }
-
-  void theTitleRunsToTheFramesRightEdgeAndNeverGetsANegativeWidth() {
     QCOMPARE(PlaceSurface(6000, 4000).title, QRect(144, 8, 236, 18));
     QCOMPARE(PlaceSurface(300, 600).title.width(), 0);
   }
 
-  void twipsConvertAtFifteenPerPixelToTheNearestPixel() {
-    QCOMPARE(PixelsFromTwips(7), 0);
-    QCOMPARE(PixelsFromTwips(8), 1);
-  }
-
   void alignmentCodesMapToQtForTheCellsOfTheirColumn() {
-    QCOMPARE(AlignmentFromCode(0), Qt::AlignLeft | Qt::AlignTop);
-    QCOMPARE(AlignmentFromCode(1), Qt::AlignLeft | Qt::AlignVCenter);
-    QCOMPARE(AlignmentFromCode(8), Qt::AlignRight | Qt::AlignBottom);
-    QCOMPARE(AlignmentFromCode(9), Qt::AlignLeft | Qt::AlignVCenter);
+    const std::pair<int, Qt::Alignment> codes[] = {{0, Qt::AlignLeft | Qt::AlignTop},
+                                                   {1, Qt::AlignLeft | Qt::AlignVCenter},
+                                                   {7, Qt::AlignRight | Qt::AlignVCenter},
+                                                   {8, Qt::AlignRight | Qt::AlignBottom},
+                                                   {9, Qt::AlignLeft | Qt::AlignVCenter}};
+    for (const auto& [code, alignment] : codes)
+      QCOMPARE(AlignmentFromCode(code), alignment);
     vantrel::TableModel table = SmallTable();
     RecordTableModel model(table);
     table.AddItem("1\t01/01/26\t08:00:00\tRun\t12.5\t0100\t125;256\t;");
@@ -63,7 +66,7 @@ class WidgetUnitsTest : public QObject {
              Qt::AlignRight | Qt::AlignVCenter);
   }
 
-  void theModelFollowsAppendsRemovalsAndResets() {
+  void theModelFollowsAppendsRemovalsChangesAndResets() {
     vantrel::TableModel table = SmallTable();
     RecordTableModel model(table);
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
@@ -77,13 +80,10 @@ class WidgetUnitsTest : public QObject {
     QCOMPARE(model.rowCount(), 0);
     QTRY_COMPARE(model.rowCount(), 3);
     QCOMPARE(inserted.count(), 1);
-    QCOMPARE(inserted.last().at(1).toInt(), 0);
-    QCOMPARE(inserted.last().at(2).toInt(), 2);
+    QCOMPARE(inserted.last().mid(1), (QVariantList{0, 2}));
     table.RemoveRow(2);  // not at the front: told at once
-    QCOMPARE(removed.count(), 1);
-    QCOMPARE(removed.last().at(1).toInt(), 1);
-    QCOMPARE(model.rowCount(), 2);
-    QCOMPARE(model.headerData(1, Qt::Vertical).toString(), QStringLiteral("3"));
+    QCOMPARE(removed.last().mid(1), (QVariantList{1, 1}));
+    QCOMPARE(Numbers(model), (QStringList{u"1"_s, u"3"_s}));
     table.SetText(2, 4, "x");
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed.last().at(0).toModelIndex(), model.index(1, 3));
@@ -108,70 +108,63 @@ class WidgetUnitsTest : public QObject {
     model.Flush();
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
     QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    const auto numbers = [&model] {
-      QStringList shown;
-      for (int row = 0; row < model.rowCount(); ++row)
-        shown << model.headerData(row, Qt::Vertical).toString();
-      return shown;
-    };
     // A table at its limit of 4 rows takes 3 more: each drops the oldest first.
-    for (int i = 5; i <= 7; ++i) {
-      table.RemoveRow(1);
-      table.AddItem(std::to_string(i));
-    }
+    const auto append = [&table](int from, int to) {
+      for (int i = from; i <= to; ++i) {
+        table.RemoveRow(1);
+        table.AddItem(std::to_string(i));
+      }
+    };
+    append(5, 7);
     // Until told, the views see the rows they know, the dropped ones empty.
-    QCOMPARE(model.rowCount(), 4);
-    QVERIFY(!model.headerData(0, Qt::Vertical).isValid());
-    QCOMPARE(model.headerData(3, Qt::Vertical).toString(), QStringLiteral("4"));
+    QCOMPARE(Numbers(model), (QStringList{QString(), QString(), QString(), u"4"_s}));
     model.Flush();
     QCOMPARE(removed.count(), 1);
-    QCOMPARE(removed.last().at(2).toInt(), 2);
+    QCOMPARE(removed.last().mid(1), (QVariantList{0, 2}));
     QCOMPARE(inserted.count(), 1);
-    QCOMPARE(inserted.last().at(1).toInt(), 1);
-    QCOMPARE(inserted.last().at(2).toInt(), 3);
-    QCOMPARE(numbers(), (QStringList{"4", "5", "6", "7"}));
-
+    QCOMPARE(inserted.last().mid(1), (QVariantList{1, 3}));
+    QCOMPARE(Numbers(model), (QStringList{u"4"_s, u"5"_s, u"6"_s, u"7"_s}));
     // More rows dropped than were told: the appended ones untold are dropped with them.
-    for (int i = 8; i <= 13; ++i) {
-      table.RemoveRow(1);
-      table.AddItem(std::to_string(i));
-    }
+    append(8, 13);
     model.Flush();
-    QCOMPARE(numbers(), (QStringList{"10", "11", "12", "13"}));
+    QCOMPARE(Numbers(model), (QStringList{u"10"_s, u"11"_s, u"12"_s, u"13"_s}));
   }
 
   void selectionTextSpansTheSelectionAndSkipsHiddenColumns() {
     QStandardItemModel model(4, 4);
     for (int r = 0; r < 4; ++r) {
       for (int c = 0; c < 4; ++c)
-        model.setItem(r, c, new QStandardItem(QStringLiteral("%1%2").arg(QChar('a' + c)).arg(r)));
+        model.setItem(r, c, new QStandardItem(u"%1%2"_s.arg(QChar('a' + c)).arg(r)));
     }
     const QModelIndexList cells{model.index(1, 1), model.index(1, 3), model.index(2, 2)};
     const auto none = [](int) { return false; };
-    QCOMPARE(SelectionText(model, cells, none), QStringLiteral("b1\t\td1\n\tc2\t"));
-    const auto hideC = [](int column) { return column == 2; };
-    QCOMPARE(SelectionText(model, cells, hideC), QStringLiteral("b1\td1\n\t"));
+    QCOMPARE(SelectionText(model, cells, none), u"b1\t\td1\n\tc2\t"_s);
+    QCOMPARE(SelectionText(model, cells, [](int column) { return column == 2; }), u"b1\td1\n\t"_s);
     QCOMPARE(SelectionText(model, {}, none), QString());
   }
 
   void rawValuesConvertToEveryBase() {
-    const RawValueTexts text = ConvertRawValue(0x4C4F5437);  // "LOT7"
-    QCOMPARE(text.characters, QStringLiteral("'LOT7'"));
-    QCOMPARE(text.hexadecimal, QStringLiteral("4C4F5437"));
+    QCOMPARE(ConvertRawValue(0x4C4F5437).characters, u"'LOT7'"_s);
     const RawValueTexts negative = ConvertRawValue(-2);
-    QCOMPARE(negative.decimal, QStringLiteral("-2"));
-    QCOMPARE(negative.hexadecimal, QStringLiteral("FFFFFFFE"));
-    QCOMPARE(negative.binary, QStringLiteral("11111111 11111111 11111111 11111110"));
+    QCOMPARE(negative.decimal, u"-2"_s);
+    QCOMPARE(negative.hexadecimal, u"FFFFFFFE"_s);
+    QCOMPARE(negative.binary, u"11111111 11111111 11111111 11111110"_s);
   }
 
   void theRawValueOfACellIsItsPlaceInTheRawLine() {
-    QCOMPARE(RawValueOfCell("1;0;-38;256", 0), std::optional<int64_t>(1));
-    QCOMPARE(RawValueOfCell("1;0;-38;256", 2), std::optional<int64_t>(-38));
-    QCOMPARE(RawValueOfCell("1;0;-38;256", 3), std::optional<int64_t>(256));
-    QCOMPARE(RawValueOfCell("1;0;-38;256", 4), std::nullopt);
-    QCOMPARE(RawValueOfCell("1;;3", 1), std::nullopt);
-    QCOMPARE(RawValueOfCell("1;12,5;3", 1), std::nullopt);
-    QCOMPARE(RawValueOfCell("", 0), std::nullopt);
+    const struct {
+      const char* line;
+      int column;
+      std::optional<int64_t> value;
+    } cases[] = {{"1;0;-38;256", 0, 1},
+                 {"1;0;-38;256", 2, -38},
+                 {"1;0;-38;256", 3, 256},
+                 {"1;0;-38;256", 4, {}},
+                 {"1;;3", 1, {}},
+                 {"1;12,5;3", 1, {}},
+                 {"", 0, {}}};
+    for (const auto& c : cases)
+      QCOMPARE(RawValueOfCell(c.line, c.column), c.value);
     QVERIFY(RawLineAligned("1;0;-38", 3));
     QVERIFY(!RawLineAligned("1;0;-38;1280", 3));
   }
