@@ -82,13 +82,7 @@ class UnitsTest : public QObject {
     QCOMPARE(PlaceSurface(300, 600).title.width(), 0);
   }
 
-  void alignmentCodesMapToQtForTheCellsOfTheirColumn() {
-    const std::pair<int, Qt::Alignment> codes[] = {{0, Qt::AlignLeft | Qt::AlignTop},
-                                                   {1, Qt::AlignLeft | Qt::AlignVCenter},
-                                                   {8, Qt::AlignRight | Qt::AlignBottom},
-                                                   {9, Qt::AlignLeft | Qt::AlignVCenter}};
-    for (const auto& [code, alignment] : codes)
-      QCOMPARE(AlignmentFromCode(code), alignment);
+  void aColumnsAlignmentCodeReachesItsCells() {
     TableModel table = SmallTable();
     RecordTableModel model(table);
     table.AddItem("1\t01/01/26\t08:00:00\tRun\t12.5\t0100\t125;256\t;");
@@ -190,8 +184,6 @@ class UnitsTest : public QObject {
     int ticks = 0;
     timer->SetTickHandler([&] { ++ticks; });
     timer->SetInterval(10);
-    QTest::qWait(50);
-    QCOMPARE(ticks, 0);
     timer->SetEnabled(true);
     QTRY_VERIFY(ticks >= 2);
     timer->SetEnabled(false);

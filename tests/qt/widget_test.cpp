@@ -145,7 +145,6 @@ class WidgetTest : public QObject {
     QCOMPARE(status->text(), u"Stoped"_s);
     r.control().SetRunMode(2);
     QCOMPARE(status->text(), u"Refresh mode running"_s);
-    QCOMPARE(TextColor(status), QColor(Qt::black));
     QCOMPARE(r.widget.TitleLabel()->text(), u"Vantrel for : Pump station North      version 3"_s);
     QVERIFY(r.WriteAndWait(3, 3));
     QCOMPARE(loading.value(0), u"Loading 3 records"_s);
