@@ -153,6 +153,7 @@ class WidgetTest : public QObject {
     QTRY_VERIFY(r.widget.ActivityShape()->isVisible());
     QTRY_VERIFY(!r.widget.ActivityShape()->isVisible());
     QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
+    QCOMPARE(r.prompts.Messages().size(), size_t{1});
     QVERIFY(QString::fromStdString(r.prompts.Messages().back().text).startsWith(u"Info section"_s));
     // A shut-down command: the notice, then the host hears it.
     r.program.SetCommand(9);
