@@ -116,9 +116,17 @@ class ViewerTest : public QObject {
     QCOMPARE(ParseSize("1200x800"), (std::optional<std::pair<int, int>>({1200, 800})));
   }
 
-  void controllersOtherThanTheVirtualOneAndModbusAreRefusedWithAReason() {
+  void theVirtualControllerIsTheDefaultAndOthersAreRefusedWithAReason() {
     ManualEventLoop loop;
     QObject context;
+    ViewerOptions sim;
+    sim.recordIntervalMs = 250;
+    std::string error;
+    auto opened = OpenController(sim, loop, loop.Clock(), PostToThreadOf(&context), {}, error);
+    QVERIFY2(opened && opened->runningAtStart, error.c_str());
+    // The program writes a record every 250 ms of its clock.
+    loop.Advance(1000);
+    QCOMPARE(opened->embedded->Program().RecordsWritten(), int64_t{4});
     for (const auto& [controller, program, says] :
          {std::tuple{"modbus://127.0.0.1:99999", "", "port"},
           std::tuple{"serial", "", "unknown controller"},
@@ -126,7 +134,7 @@ class ViewerTest : public QObject {
       ViewerOptions o;
       o.controller = controller;
       if (*program) o.programFile = program;
-      std::string error;
+      error.clear();
       QVERIFY(!OpenController(o, loop, loop.Clock(), PostToThreadOf(&context), {}, error));
       QVERIFY2(error.find(says) != std::string::npos, error.c_str());
     }
