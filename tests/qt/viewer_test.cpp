@@ -149,19 +149,24 @@ class ViewerTest : public QObject {
             [&](const QString& name) { changed << name; });
     SettingsDialog(control).Apply();
     QVERIFY(changed.isEmpty());
-    // One field of each kind: a number, a check box, a text (in the control's code page) and
-    // a list.
     SettingsDialog dialog(control);
     dialog.Interval()->setValue(250);
+    dialog.MaxRows()->setValue(2000);
     dialog.DateStampCol()->setChecked(true);
     dialog.ExportFile()->setText(QString::fromUtf8("/tmp/\u00E9t\u00E9.xls"));
     dialog.IndexFile()->setCurrentIndex(2);
+    dialog.ExportFormat()->setCurrentIndex(1);
+    dialog.HistoryFile()->setText(u"/tmp/trace.db"_s);
     dialog.Apply();
     QCOMPARE(control.Interval(), 250);
+    QCOMPARE(control.MaxRows(), 2000);
     QVERIFY(control.DateStampCol());
     QCOMPARE(control.ExportFile(), std::string("/tmp/\xE9t\xE9.xls"));
     QCOMPARE(control.IndexFile(), int16_t{2});
-    QCOMPARE(changed, (QStringList{"Interval", "DateStampCol", "ExportFile", "IndexFile"}));
+    QCOMPARE(control.ExportFormat(), int16_t{1});
+    QCOMPARE(control.HistoryFile(), std::string("/tmp/trace.db"));
+    QCOMPARE(changed, (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile",
+                                   "ExportFormat", "HistoryFile"}));
   }
 
   void aWindowReadsTheVirtualControllerEndToEnd() {
