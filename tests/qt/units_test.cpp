@@ -90,6 +90,8 @@ class UnitsTest : public QObject {
     table.SetColumnAlignment(4, 7);
     QCOMPARE(model.index(0, 3).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
              Qt::AlignRight | Qt::AlignVCenter);
+    // 9, "general", and codes out of range.
+    QCOMPARE(AlignmentFromCode(9), Qt::AlignLeft | Qt::AlignVCenter);
   }
 
   void theModelFollowsAppendsRemovalsChangesAndResets() {
