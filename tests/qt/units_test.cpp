@@ -37,13 +37,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A table as the control builds it: record number, three stamp columns, two data columns
-// and the two hidden lines.
+// A table as the control builds it: record number, three stamp columns and two data columns.
 TableModel SmallTable() {
   TableModel table;
-  table.SetColumnCount(8);
-  const char* captions[] = {"", "PC Date", "PC Time", "PCD", "Level", "Flow", "", ""};
-  for (int c = 0; c < 8; ++c)
+  table.SetColumnCount(6);
+  const char* captions[] = {"", "PC Date", "PC Time", "PCD", "Level", "Flow"};
+  for (int c = 0; c < 6; ++c)
     table.SetText(0, c, captions[c]);
   return table;
 }
@@ -85,7 +84,7 @@ class UnitsTest : public QObject {
   void aColumnsAlignmentCodeReachesItsCells() {
     TableModel table = SmallTable();
     RecordTableModel model(table);
-    table.AddItem("1\t01/01/26\t08:00:00\tRun\t12.5\t0100\t125;256\t;");
+    table.AddItem("1\t01/01/26\t08:00:00\tRun\t12.5\t0100");
     model.Flush();
     table.SetColumnAlignment(4, 7);
     QCOMPARE(model.index(0, 3).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
@@ -103,7 +102,7 @@ class UnitsTest : public QObject {
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     QSignalSpy header(&model, &QAbstractItemModel::headerDataChanged);
     for (int i = 1; i <= 3; ++i)
-      table.AddItem(std::to_string(i) + "\ta\tb\tc\td\te\tf\tg");
+      table.AddItem(std::to_string(i) + "\ta\tb\tc\td\te");
     // Appended rows are told on the next turn, together.
     QCOMPARE(model.rowCount(), 0);
     QTRY_COMPARE(model.rowCount(), 3);
@@ -120,9 +119,9 @@ class UnitsTest : public QObject {
     table.SetRowCount(1);
     model.Flush();
     QCOMPARE(model.rowCount(), 0);
-    table.SetColumnCount(10);
+    table.SetColumnCount(8);
     QCOMPARE(reset.count(), 1);
-    QCOMPARE(model.columnCount(), 9);
+    QCOMPARE(model.columnCount(), 7);
     model.Detach();
     table.AddItem("9");
     QCOMPARE(model.rowCount(), 0);
