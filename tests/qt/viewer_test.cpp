@@ -169,47 +169,31 @@ class ViewerTest : public QObject {
                                    "ExportFormat", "HistoryFile"}));
   }
 
-  void aWindowReadsTheVirtualControllerEndToEnd() {
-    ViewerOptions o = Fast();
-    o.timeColumn = true;
-    ViewerWindow window(o);
-    std::string error;
-    QVERIFY2(window.Open(error), error.c_str());
-    window.show();
-    const QAbstractItemModel* model = window.Widget().Table()->model();
-    QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
-    QVERIFY(window.Widget().control().TimeStampCol());
-
-    // The settings go to the user's settings, read again by the next window.
-    window.Widget().control().SetMaxGraph(60);
-    window.SaveProperties();
-    QSettings settings;
-    QCOMPARE(settings.value(QStringLiteral("Control/MaxGraph")).toString(), QStringLiteral("60"));
-    ViewerWindow next(ViewerOptions{});
-    QVERIFY(next.Open(error));
-    QCOMPARE(next.Widget().control().MaxGraph(), 60);
-  }
-
-  void aWindowKeepsEveryRowInItsHistoryAndExportsXlsx() {
+  void aWindowReadsTheVirtualControllerKeepingItsRowsAndSettings() {
     QTemporaryDir dir;
     ViewerOptions o = Fast();
-    o.screenshot = "unused";  // the defaults, not the user's saved settings
-    o.historyFile = dir.filePath(QStringLiteral("trace.db")).toStdString();
-    o.exportFile = dir.filePath(QStringLiteral("trace.xlsx")).toStdString();
+    o.timeColumn = true;
+    o.historyFile = dir.filePath(u"trace.db"_s).toStdString();
+    o.exportFile = dir.filePath(u"trace.xlsx"_s).toStdString();
     o.exportFormat = "xlsx";
     std::string error;
     int rows = 0;
     {
       ViewerWindow window(o);
       QVERIFY2(window.Open(error), error.c_str());
-      const QAbstractItemModel* model = window.Widget().Table()->model();
-      QTRY_VERIFY_WITH_TIMEOUT(model->rowCount() >= 5, 10000);
-      window.Widget().control().SetRunMode(0);
-      rows = window.Widget().control().Table().DataRowCount();
-      window.Widget().control().ClickExportButton();
+      window.show();
+      Control& control = window.Widget().control();
+      QTRY_VERIFY_WITH_TIMEOUT(window.Widget().Table()->model()->rowCount() >= 5, 10000);
+      QVERIFY(control.TimeStampCol());
+      control.SetRunMode(0);
+      rows = control.Table().DataRowCount();
+      control.ClickExportButton();
       // The workbook was written by the viewer's exporter: the table was emptied.
-      QCOMPARE(window.Widget().control().Table().DataRowCount(), 0);
-      QVERIFY(QFileInfo(dir.filePath(QStringLiteral("trace.xlsx"))).size() > 0);
+      QCOMPARE(control.Table().DataRowCount(), 0);
+      QVERIFY(QFileInfo(dir.filePath(u"trace.xlsx"_s)).size() > 0);
+      // The settings go to the user's settings.
+      control.SetMaxGraph(60);
+      window.SaveProperties();
     }  // closing the window writes what the history still holds
     // Every row the table showed is in the history, though the export emptied the table.
     const auto history = vantrel::history::HistoryReader::Open(*o.historyFile, error);
@@ -217,6 +201,12 @@ class ViewerTest : public QObject {
     const auto buffers = history->Buffers(error);
     QCOMPARE(buffers.size(), size_t{1});
     QCOMPARE(buffers[0].rows, int64_t{rows});
+    QCOMPARE(QSettings().value(u"Control/MaxGraph"_s).toString(), u"60"_s);
+    {
+      ViewerWindow next(ViewerOptions{});  // reads the user's settings again
+      QVERIFY(next.Open(error));
+      QCOMPARE(next.Widget().control().MaxGraph(), 60);
+    }
 
     // A PostgreSQL URL is a server history, not a file of that name: a server that is not
     // there is refused before acquisition starts.
