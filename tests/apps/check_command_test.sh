@@ -29,29 +29,30 @@ assert d["ValueTexts"]["1_Application_0"]["Text"] == "Pump North"
 assert d["Symbols"]["R 1200"]["Name"] == "Station.Speed_SP"
 PY
 
+# Checks that `check` says `text` on standard error with exit status 1, and `json` as the
+# JSON error.
+expect_error() {
+  local err status j
+  err="$("$vantrel" check "$1" 2>&1 >/dev/null)"
+  status=$?
+  [ "$status" -eq 1 ] && [ "$err" == "$2" ] || fail "$1: status $status, said [$err]"
+  j="$("$vantrel" check --json "$1")"
+  /usr/bin/python3 -c 'import json,sys; assert json.loads(sys.argv[1]) == {"error": sys.argv[2]}' \
+    "$j" "$3" || fail "$1: JSON error [$j]"
+}
+
 # A broken variant of the example (the corrected spelling RecordLength): the loader's exact
 # text on standard error, exit status 1, and the same text as the JSON error. Each loader
 # error's text on the terminal is checked by the reference's own check (tests/docs).
 sed -e 's/^RecordLenght=/RecordLength=/' "$examples/PMP1_pumps.vtl" >"$work/broken.vtl"
 "$vantrel" crypt "$work/broken.vtl" >/dev/null || fail "crypt"
-err="$("$vantrel" check "$work/broken.vtld" 2>&1 >/dev/null)"
-status=$?
-[ "$status" -eq 1 ] || fail "broken: exit status $status"
-[ "$err" == "Invalid Record Lenght : 0" ] || fail "broken: [$err]"
-j="$("$vantrel" check --json "$work/broken.vtld")"
-/usr/bin/python3 -c 'import json,sys; assert json.loads(sys.argv[1]) == {"error": sys.argv[2]}' \
-  "$j" "Invalid Record Lenght : 0" || fail "broken: JSON error [$j]"
+expect_error "$work/broken.vtld" "Invalid Record Lenght : 0" "Invalid Record Lenght : 0"
 
 # A plain description is not enciphered. The message's carriage returns are line breaks on
 # the terminal and kept as they are in JSON.
 cp "$examples/PMP1_pumps.vtl" "$work/plain.vtl"
-err="$("$vantrel" check "$work/plain.vtl" 2>&1 >/dev/null)"
-[ "$err" == "$(printf 'Error in description file :\n%s\n\nIncorrect file !' "$work/plain.vtl")" ] ||
-  fail "plain: [$err]"
-j="$("$vantrel" check --json "$work/plain.vtl")"
-/usr/bin/python3 -c 'import json,sys; assert json.loads(sys.argv[1])["error"] == sys.argv[2]' "$j" \
-  "$(printf 'Error in description file :\n%s\r\rIncorrect file !' "$work/plain.vtl")" ||
-  fail "plain: JSON error [$j]"
+expect_error "$work/plain.vtl" "$(printf 'Error in description file :\n%s\n\nIncorrect file !' "$work/plain.vtl")" \
+  "$(printf 'Error in description file :\n%s\r\rIncorrect file !' "$work/plain.vtl")"
 
 # The user buffer file needs the buffer's key.
 "$vantrel" check --key TNK1 "$examples/tanks.vtlr" >/dev/null || fail "the user buffer file"

@@ -67,12 +67,10 @@ with tempfile.TemporaryDirectory() as work:
 
     # The exports of each run's range equal the run's own exports byte for byte.
     con = sqlite3.connect(db)
-    # The first run ends before the second begins: its last row's id bounds it.
-    ids = [row[0] for row in con.execute("SELECT id FROM rows ORDER BY id")]
+    # The first run ends before the second begins: its row count bounds it.
+    times = [row[0] for row in con.execute("SELECT pc_time FROM rows ORDER BY id")]
     run_rows = len(live["csv"]) - 1
-    t_last = con.execute("SELECT pc_time FROM rows WHERE id = ?", (ids[run_rows - 1],)).fetchone()[0]
-    t_first = con.execute("SELECT pc_time FROM rows WHERE id = ?", (ids[0],)).fetchone()[0]
-    t_next = con.execute("SELECT pc_time FROM rows WHERE id = ?", (ids[run_rows],)).fetchone()[0]
+    t_first, t_last, t_next = times[0], times[run_rows - 1], times[run_rows]
     check(t_next > t_last, "the two runs do not overlap in time")
     for fmt, ext, span in (("csv", "csv", ["--from", t_first, "--to", t_last]),
                            ("biff2", "xls", ["--from", t_next])):
@@ -95,11 +93,8 @@ with tempfile.TemporaryDirectory() as work:
     foreign = os.path.join(work, "foreign.db")
     sqlite3.connect(foreign).execute("CREATE TABLE t (x)").connection.commit()
     newer = os.path.join(work, "newer.db")
-    c = sqlite3.connect(newer)
-    c.execute("CREATE TABLE vantrel_schema (version INTEGER)")
-    c.execute("INSERT INTO vantrel_schema VALUES (99)")
-    c.commit()
-    c.close()
+    sqlite3.connect(newer).executescript(
+        "CREATE TABLE vantrel_schema (version INTEGER); INSERT INTO vantrel_schema VALUES (99);")
     for args, text in (
         ([os.path.join(work, "none.db")], "no history at"),
         ([foreign], "is not a Vantrel history"),

@@ -21,6 +21,10 @@ def check(condition, what):
         print("FAIL:", what)
 
 
+def vantrel_run(*args):
+    return subprocess.run([vantrel, *args], capture_output=True, text=True, timeout=60)
+
+
 def psql(url, sql):
     r = subprocess.run(["psql", "-qAtX", "-F", "\x1f", url, "-c", sql],
                        capture_output=True, text=True, timeout=60)
@@ -63,15 +67,13 @@ try:
         plant, "SELECT w.pid FROM descriptions d JOIN vantrel_writers w ON w.writer = d.writer "
                "ORDER BY d.id")]
     by_pid = {p.pid: out for p, (out, _) in zip(runs, outputs)}
-    r = subprocess.run([vantrel, "history", plant, "--key", "PMP1", "--status-col"],
-                       capture_output=True, text=True, timeout=60)
+    r = vantrel_run("history", plant, "--key", "PMP1", "--status-col")
     check(r.returncode == 0, f"history from the server: {r.stderr}")
     expected = [line for pid in order for line in by_pid[pid].splitlines()]
     check(r.stdout.splitlines() == expected,
           f"the server's history gives {len(r.stdout.splitlines())} lines, the runs printed "
           f"{len(expected)}")
-    r = subprocess.run([vantrel, "history", plant, "--list"], capture_output=True, text=True,
-                       timeout=60)
+    r = vantrel_run("history", plant, "--list")
     listed = [line.split("\t") for line in r.stdout.splitlines()]
     check(len(listed) == 2 and listed[1][:3] == ["PMP1", "2", str(len(expected) - 2)],
           f"--list of the server's history: {listed}")
@@ -84,8 +86,7 @@ try:
         (["--history", plant, "--history-spool-limit", "12Q"], "--history-spool-limit"),
         (["--history", plant, "--history-spool", "/nonexistent/spool"], "cannot make a spool file"),
     ]:
-        r = subprocess.run([vantrel, "run", "--records", "3", *args], capture_output=True,
-                           text=True, timeout=60)
+        r = vantrel_run("run", "--records", "3", *args)
         check(r.returncode == 2 and expected in r.stderr,
               f"{args}: status {r.returncode}, said {r.stderr.strip()!r}")
 finally:

@@ -1,8 +1,7 @@
-// The widget driven through its public face as a host and a user drive it: rows coming in
-// as the host answers, the status line, header selection, the graph, the export, the info
-// button, the layout, column widths, clipboard copy and the value panel.
+// The widget driven as a host and a user drive it, over the bundled pump-station trace
+// program in memory: rows as the host answers, the labels, header selection and the graph,
+// the export, the layout, column widths, clipboard copy and the value panel.
 
-#include <QAbstractItemModel>
 #include <QApplication>
 #include <QCategoryAxis>
 #include <QChartView>
@@ -21,31 +20,95 @@
 #include "graph_view.h"
 #include "record_table.h"
 #include "support/temp_dir.h"
-#include "trace_rig.h"
 #include "value_panel.h"
+#include "vantrel/clock.h"
+#include "vantrel/control.h"
+#include "vantrel/hosts/pump_station.h"
+#include "vantrel/hosts/register_space.h"
+#include "vantrel/hosts/trace_program.h"
+#include "vantrel/qt/vantrel_widget.h"
+#include "vantrel/scripted_prompts.h"
 
-using vantrel::testing::TraceRig;
+using namespace Qt::StringLiterals;
+using vantrel::qt::VantrelWidget;
 
 namespace {
+
+// A widget reading the pump-station program from registers in memory: read requests are
+// answered inside the signal, or a turn later through the DataBlock slot. The program writes
+// records only when told; message boxes are recorded, never shown.
+struct Rig {
+  Rig() : program(space, vantrel::hosts::PumpStationProgram(), clock), widget(prompts) {
+    program.Install();
+    QObject::connect(&widget, &VantrelWidget::ReadPCDReg, &widget, [this](qint16 first, qint16 n) {
+      const std::vector<int32_t> words = space.ReadRegisters(first, n);
+      if (!answerLater) return widget.control().SetDataBlock(words);
+      const QList<qint32> block(words.begin(), words.end());
+      QMetaObject::invokeMethod(
+          &widget, [this, block] { widget.SetDataBlock(block); }, Qt::QueuedConnection);
+    });
+    control().SetResourcePath(VANTREL_EXAMPLES_DIR);
+    control().SetSymbFile(VANTREL_EXAMPLES_DIR "/pumps_symbols.sym");
+    control().SetStartRegister(program.Config().startRegister);
+    control().SetInterval(20);
+    control().SetPCDStatus(2);
+    widget.resize(1000, 600);
+  }
+  vantrel::Control& control() { return widget.control(); }
+  QTableView* table() { return widget.Table(); }
+  QAbstractItemModel* model() { return widget.Table()->model(); }
+
+  // Starts the control and switches it to refreshing; true once it polls the counters.
+  bool StartRefreshing() {
+    widget.Start();
+    if (!QTest::qWaitFor([this] { return control().ReadState() == 2; }, 5000)) return false;
+    control().SetRunMode(2);
+    return QTest::qWaitFor([this] { return control().ReadState() >= 3; }, 5000);
+  }
+  // Lets the program write `count` records and waits until the table shows `rows` rows.
+  bool WriteAndWait(int count, int rows) {
+    program.WriteRecords(count);
+    return QTest::qWaitFor([&] { return model()->rowCount() >= rows; }, 5000);
+  }
+  int Column(const QString& caption) {
+    for (int column = 0; column < model()->columnCount(); ++column) {
+      if (model()->headerData(column, Qt::Horizontal).toString() == caption) return column;
+    }
+    return -1;
+  }
+  QString Cell(int row, int column) {
+    return model()->data(model()->index(row, column)).toString();
+  }
+  QString Number(int row) { return model()->headerData(row, Qt::Vertical).toString().trimmed(); }
+
+  vantrel::ScriptedPrompts prompts;
+  vantrel::SystemClock clock;
+  vantrel::hosts::RegisterSpace space;
+  vantrel::hosts::TraceProgram program;
+  VantrelWidget widget;
+  bool answerLater = false;
+};
 
 QColor TextColor(const QLabel* label) {
   return label->palette().color(QPalette::WindowText);
 }
 
-// Double-clicks the header cell of a model column, as a user does.
-void DoubleClickHeader(QTableView* table, int column) {
-  QHeaderView* header = table->horizontalHeader();
-  const QPoint center(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                      header->height() / 2);
-  // A double-click comes as a press (which tells the control where the mouse went down),
-  // a release and the double-click itself.
-  QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, center);
-  QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, center);
+// A double-click comes as a press (which tells the control where the mouse went down), a
+// release and the double-click itself.
+void DoubleClick(QWidget* viewport, QPoint at) {
+  QTest::mouseClick(viewport, Qt::LeftButton, {}, at);
+  QTest::mouseDClick(viewport, Qt::LeftButton, {}, at);
 }
 
-// The point of a cell in the table's viewport.
-QPoint CellCenter(QTableView* table, int row, int column) {
-  return table->visualRect(table->model()->index(row, column)).center();
+void DoubleClickHeader(QTableView* table, int column) {
+  QHeaderView* header = table->horizontalHeader();
+  DoubleClick(header->viewport(),
+              {header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+               header->height() / 2});
+}
+
+void DoubleClickCell(QTableView* table, int row, int column) {
+  DoubleClick(table->viewport(), table->visualRect(table->model()->index(row, column)).center());
 }
 
 }  // namespace
@@ -55,103 +118,89 @@ class WidgetTest : public QObject {
 
  private slots:
   void init() {
-    rig_ = std::make_unique<TraceRig>();
+    rig_ = std::make_unique<Rig>();
     rig_->widget.show();
     QVERIFY(QTest::qWaitForWindowExposed(&rig_->widget));
+    if (qstrcmp(QTest::currentTestFunction(),
+                "theLabelsButtonsAndHostSignalsFollowTheReadingCycle"))
+      QVERIFY(rig_->StartRefreshing());
   }
   void cleanup() { rig_.reset(); }
 
-  void aNewControlShowsNoBufferAndDisabled() {
-    TraceRig& r = *rig_;
-    QCOMPARE(r.widget.TitleLabel()->text(), QStringLiteral("No Buffer Selected"));
-    QCOMPARE(r.widget.StatusLabel()->text(), QStringLiteral("Disabled"));
-    QVERIFY(!r.widget.Chart()->isVisible());
-  }
-
-  void theStatusLineAndTheActivityIndicatorFollowTheReadingCycle() {
-    TraceRig& r = *rig_;
-    QStringList loading;
-    connect(&r.widget, &vantrel::qt::VantrelWidget::Status, this, [&](qint16 state) {
-      if (state == 4) loading << r.widget.StatusLabel()->text();
+  void theLabelsButtonsAndHostSignalsFollowTheReadingCycle() {
+    Rig& r = *rig_;
+    QLabel* status = r.widget.StatusLabel();
+    QCOMPARE(r.widget.TitleLabel()->text(), u"No Buffer Selected"_s);
+    QCOMPARE(status->text(), u"Disabled"_s);
+    QVERIFY(!r.widget.InfoButton()->isEnabled() && !r.widget.Chart()->isVisible());
+    QStringList loading, order;
+    connect(&r.widget, &VantrelWidget::Status, this, [&](qint16 state) {
+      if (state == 4) loading << status->text();
     });
+    r.prompts.SetNoticeWaiter([&](int ms) { order << u"notice %1"_s.arg(ms); });
+    connect(&r.widget, &VantrelWidget::PCDCmd, this,
+            [&](qint16 command) { order << u"PCDCmd %1"_s.arg(command); });
     r.widget.Start();
     // The host answers inside the request: the pointer is read before Start returns.
-    QCOMPARE(r.widget.StatusLabel()->text(), QStringLiteral("Stoped"));
+    QCOMPARE(status->text(), u"Stoped"_s);
     r.control().SetRunMode(2);
-    QCOMPARE(r.widget.StatusLabel()->text(), QStringLiteral("Refresh mode running"));
-    QCOMPARE(TextColor(r.widget.StatusLabel()), QColor(Qt::black));
-    QCOMPARE(r.widget.TitleLabel()->text(),
-             QStringLiteral("Vantrel for : Pump station North      version 3"));
-
+    QCOMPARE(status->text(), u"Refresh mode running"_s);
+    QCOMPARE(r.widget.TitleLabel()->text(), u"Vantrel for : Pump station North      version 3"_s);
     QVERIFY(r.WriteAndWait(3, 3));
-    QVERIFY(!loading.isEmpty());
-    QCOMPARE(loading.first(), QStringLiteral("Loading 3 records"));
-    QTRY_COMPARE(r.widget.StatusLabel()->text(), QStringLiteral("Refresh mode runing"));
+    QCOMPARE(loading.value(0), u"Loading 3 records"_s);
+    QTRY_COMPARE(status->text(), u"Refresh mode runing"_s);
     // The indicator blinks while refreshing.
-    QWidget* activity = r.widget.ActivityShape();
-    QTRY_VERIFY(activity->isVisible());
-    QTRY_VERIFY(!activity->isVisible());
-    r.control().SetRunMode(0);
-    QCOMPARE(r.widget.StatusLabel()->text(), QStringLiteral("Stoped"));
+    QTRY_VERIFY(r.widget.ActivityShape()->isVisible());
+    QTRY_VERIFY(!r.widget.ActivityShape()->isVisible());
+    QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
+    QCOMPARE(r.prompts.Messages().size(), size_t{1});
+    QVERIFY(QString::fromStdString(r.prompts.Messages().back().text).startsWith(u"Info section"_s));
+    // A shut-down command: the notice, then the host hears it.
+    r.program.SetCommand(9);
+    QTRY_COMPARE(order, (QStringList{u"notice 3000"_s, u"PCDCmd 9"_s}));
   }
 
-  void rowsAppearAsTheHostAnswers() {
-    TraceRig& r = *rig_;
-    QSignalSpy lines(&r.widget, &vantrel::qt::VantrelWidget::OutputLine);
-    QVERIFY(r.StartRefreshing());
-    QVERIFY(r.WriteAndWait(5, 5));
-    const QAbstractItemModel* model = r.widget.Table()->model();
-    QCOMPARE(model->rowCount(), 5);
-    const int run = r.ModelColumn(QStringLiteral("Run"));
-    const int batch = r.ModelColumn(QStringLiteral("Batch"));
-    QVERIFY(run >= 0 && batch > run);
-    for (int row = 0; row < 5; ++row) {
-      QCOMPARE(model->headerData(row, Qt::Vertical).toString().trimmed(), QString::number(row + 1));
-      // The first register's bit 0 counts 0, 1, 0, ... from the first record on.
-      QCOMPARE(r.Cell(row, run), row % 2 == 0 ? QStringLiteral("Off") : QStringLiteral("On"));
-      QCOMPARE(r.Cell(row, batch), QStringLiteral("LOT7"));
-    }
-    QCOMPARE(lines.count(), 5);
-    QVERIFY(lines.last().at(0).toString().contains(QStringLiteral("LOT7")));
-
-    // Answers that come a turn later, through the DataBlock slot, are taken the same way.
-    r.answerLater = true;
-    QVERIFY(r.WriteAndWait(3, 8));
-    QCOMPARE(model->headerData(7, Qt::Vertical).toString().trimmed(), QStringLiteral("8"));
-    QCOMPARE(r.Cell(7, run), QStringLiteral("On"));
-  }
-
-  void theRowLimitDropsTheOldestRowAndTurnsTheCounterRed() {
-    TraceRig& r = *rig_;
+  void rowsAppearAsTheHostAnswersUpToTheRowLimit() {
+    Rig& r = *rig_;
+    QSignalSpy lines(&r.widget, &VantrelWidget::OutputLine);
     r.control().SetMaxRows(5);
-    QVERIFY(r.StartRefreshing());
-    QVERIFY(r.WriteAndWait(8, 5));
-    QTRY_COMPARE(r.widget.RecordCountLabel()->text(), QStringLiteral("8"));
-    const QAbstractItemModel* model = r.widget.Table()->model();
-    QCOMPARE(model->rowCount(), 5);
-    QCOMPARE(model->headerData(0, Qt::Vertical).toString().trimmed(), QStringLiteral("4"));
-    QCOMPARE(model->headerData(4, Qt::Vertical).toString().trimmed(), QStringLiteral("8"));
-    QCOMPARE(r.widget.RowCountLabel()->text(), QStringLiteral("5"));
+    QVERIFY(r.WriteAndWait(4, 4));
+    const int run = r.Column(u"Run"_s), batch = r.Column(u"Batch"_s);
+    QVERIFY(run >= 0 && batch > run);
+    for (int row = 0; row < 4; ++row) {
+      // The first register's bit 0 counts 0, 1, 0, ... from the first record on.
+      QCOMPARE(r.Number(row), QString::number(row + 1));
+      QCOMPARE(r.Cell(row, run), row % 2 == 0 ? u"Off"_s : u"On"_s);
+      QCOMPARE(r.Cell(row, batch), u"LOT7"_s);
+    }
+    QCOMPARE(lines.count(), 4);
+    QVERIFY(lines.last().at(0).toString().contains(u"LOT7"_s));
+    // Answers a turn later, through the DataBlock slot, are taken the same way; at the
+    // limit the oldest rows go and the row counter turns red.
+    r.answerLater = true;
+    r.program.WriteRecords(4);
+    QTRY_COMPARE(r.widget.RecordCountLabel()->text(), u"8"_s);
+    QTRY_COMPARE(r.Number(0), u"4"_s);
+    QCOMPARE(r.model()->rowCount(), 5);
+    QCOMPARE(r.Number(4), u"8"_s);
+    QCOMPARE(r.Cell(4, run), u"On"_s);
+    QCOMPARE(r.widget.RowCountLabel()->text(), u"5"_s);
     QCOMPARE(TextColor(r.widget.RowCountLabel()), QColor(255, 0, 0));
     r.control().Clear();
-    QCOMPARE(model->rowCount(), 0);
-    QCOMPARE(r.widget.RowCountLabel()->text(), QStringLiteral("0"));
+    QCOMPARE(r.model()->rowCount(), 0);
     QCOMPARE(TextColor(r.widget.RowCountLabel()), QColor(0, 0, 0));
   }
 
   void theNewestRowIsKeptInView() {
-    TraceRig& r = *rig_;
+    Rig& r = *rig_;
     r.widget.resize(900, 300);
-    QVERIFY(r.StartRefreshing());
-    QTableView* table = r.widget.Table();
-    QScrollBar* scroll = table->verticalScrollBar();
+    QScrollBar* scroll = r.table()->verticalScrollBar();
     const auto newestInView = [&] {
-      const int last = table->model()->rowCount() - 1;
-      const QRect newest = table->visualRect(table->model()->index(last, 3));
+      const QRect newest = r.table()->visualRect(r.model()->index(r.model()->rowCount() - 1, 3));
       // The view scrolls to the row the control puts at the top, within its range.
       return scroll->value() > 0 &&
              scroll->value() == std::min(r.control().Table().TopRow() - 1, scroll->maximum()) &&
-             newest.top() >= 0 && newest.bottom() < table->viewport()->height();
+             newest.top() >= 0 && newest.bottom() < r.table()->viewport()->height();
     };
     QVERIFY(r.WriteAndWait(40, 40));
     QTRY_VERIFY(newestInView());
@@ -161,148 +210,86 @@ class WidgetTest : public QObject {
     QTRY_VERIFY(newestInView());
   }
 
-  void aHeaderDoubleClickTogglesTheColumnsSelection() {
-    TraceRig& r = *rig_;
-    QTableView* table = r.widget.Table();
-    QVERIFY(r.StartRefreshing());
-    const int level = r.ModelColumn(QStringLiteral("Level cm"));
-    QVERIFY(level >= 0);
-    // Without data rows the header does not take the double-click.
+  void aSelectedColumnIsPaintedAndDrawnOverTheNewestPoints() {
+    Rig& r = *rig_;
+    QTableView* table = r.table();
+    QVERIFY(r.WriteAndWait(3, 3));
+    const int level = r.Column(u"Level cm"_s);
     DoubleClickHeader(table, level);
-    QVERIFY(!table->model()->headerData(level, Qt::Horizontal, Qt::BackgroundRole).isValid());
-
-    QVERIFY(r.WriteAndWait(2, 2));
-    DoubleClickHeader(table, level);
-    const QVariant background =
-        table->model()->headerData(level, Qt::Horizontal, Qt::BackgroundRole);
-    QCOMPARE(background.value<QBrush>().color(), QColor(255, 255, 0));
     // The header is painted yellow, not only marked so.
     QHeaderView* header = table->horizontalHeader();
-    const QImage image = header->grab().toImage();
-    const QColor pixel = image.pixelColor(header->sectionViewportPosition(level) + 3, 3);
+    const QColor pixel =
+        header->grab().toImage().pixelColor(header->sectionViewportPosition(level) + 3, 3);
     QVERIFY2(pixel.red() > 200 && pixel.green() > 200 && pixel.blue() < 120,
              qPrintable(pixel.name()));
-
+    const auto selected = [&] {
+      return r.model()->headerData(level, Qt::Horizontal, Qt::BackgroundRole).isValid();
+    };
     DoubleClickHeader(table, level);
-    QVERIFY(!table->model()->headerData(level, Qt::Horizontal, Qt::BackgroundRole).isValid());
+    QVERIFY(!selected());
     // A double-click on a data cell selects nothing.
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, CellCenter(table, 0, level));
-    QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, CellCenter(table, 0, level));
-    QCOMPARE(r.control().Table().HeaderBackColor(level + 1), 0);
-  }
-
-  void theGraphShowsTheSelectedColumnOverTheNewestPoints() {
-    TraceRig& r = *rig_;
-    QTableView* table = r.widget.Table();
-    QVERIFY(r.StartRefreshing());
-    QVERIFY(r.WriteAndWait(30, 30));
-    const int level = r.ModelColumn(QStringLiteral("Level cm"));
+    DoubleClickCell(table, 2, level);
+    QVERIFY(!selected());
     DoubleClickHeader(table, level);
+    QVERIFY(selected());
+
     QTest::mouseClick(r.widget.GraphButton(), Qt::LeftButton);
-    QCOMPARE(r.widget.GraphButton()->text(), QStringLiteral("Grid"));
-    QVERIFY(r.widget.Chart()->isVisible());
-    QVERIFY(!table->isVisible());
+    QCOMPARE(r.widget.GraphButton()->text(), u"Grid"_s);
+    QVERIFY(r.widget.Chart()->isVisible() && !table->isVisible());
     // The hidden table does not redraw while the chart is shown.
     QVERIFY(!table->updatesEnabled());
-
     auto* chart = static_cast<vantrel::qt::GraphView*>(r.widget.Chart());
-    QTRY_COMPARE(chart->SeriesCount(), 1);
-    QCOMPARE(chart->Series(0)->name(), QStringLiteral("Level cm"));
-    // The newest MaxGraph (20) rows of the column, oldest first.
-    auto expectPoints = [&](int rows) {
+    // The newest 20 rows of the column, oldest first, labelled with their record numbers.
+    const auto shows = [&](int rows) {
+      if (chart->SeriesCount() != 1 || chart->Series(0)->name() != u"Level cm"_s) return false;
       const QList<QPointF> points = chart->Series(0)->points();
-      if (points.size() != 20) return false;
+      const QStringList labels = chart->PointAxis()->categoriesLabels();
+      if (points.size() != 20 || labels.value(0) != QString::number(rows - 19)) return false;
       for (int i = 0; i < 20; ++i) {
-        const double value = r.Cell(rows - 20 + i, level).trimmed().toDouble();
+        const double value = r.Cell(rows - 20 + i, level).toDouble();
         if (points[i].x() != i + 1 || qAbs(points[i].y() - value) > 1e-9) return false;
       }
       return true;
     };
-    QTRY_VERIFY(expectPoints(30));
-    const QStringList labels = chart->PointAxis()->categoriesLabels();
-    QCOMPARE(labels.size(), 20);
-    QCOMPARE(labels.first(), QStringLiteral("11"));
-    QCOMPARE(labels.last(), QStringLiteral("30"));
-
-    // Rows that come in while the chart is shown move it on.
-    QVERIFY(r.WriteAndWait(5, 35));
-    QTRY_VERIFY(expectPoints(35));
+    // Three rows fill the first three of the 20 points; rows that come in while the chart
+    // is shown move it on.
+    QTRY_VERIFY(chart->SeriesCount() == 1 && chart->Series(0)->count() == 3);
+    QVERIFY(r.WriteAndWait(27, 30));
+    QTRY_VERIFY(shows(30));
 
     QTest::mouseClick(r.widget.GraphButton(), Qt::LeftButton);
-    QCOMPARE(r.widget.GraphButton()->text(), QStringLiteral("Graph"));
-    QVERIFY(table->isVisible());
-    QVERIFY(table->updatesEnabled());
-    QVERIFY(!r.widget.Chart()->isVisible());
+    QVERIFY(table->isVisible() && table->updatesEnabled() && !r.widget.Chart()->isVisible());
   }
 
-  void theGraphWithoutSelectionDrawsEveryDataColumn() {
-    TraceRig& r = *rig_;
-    QVERIFY(r.StartRefreshing());
-    QVERIFY(r.WriteAndWait(3, 3));
-    QTest::mouseClick(r.widget.GraphButton(), Qt::LeftButton);
-    auto* chart = static_cast<vantrel::qt::GraphView*>(r.widget.Chart());
-    const QAbstractItemModel* model = r.widget.Table()->model();
-    // Data columns are the model's columns after the three stamp columns.
-    QTRY_COMPARE(chart->SeriesCount(), model->columnCount() - 3);
-    // Three rows fill the first three of the 20 points.
-    QCOMPARE(chart->Series(0)->count(), 3);
-  }
-
-  void theExportButtonShowsTheExportAndEmptiesTheTable() {
-    TraceRig& r = *rig_;
+  void theExportShowsItsProgress() {
+    Rig& r = *rig_;
     vantrel::testing::TempDir dir;
     const std::string file = dir.File("trace.xls");
     r.control().SetExportFile(file);
-    QVERIFY(r.StartRefreshing());
     QVERIFY(r.WriteAndWait(6, 6));
-
-    QString statusDuringExport;
-    Qt::CursorShape cursorDuringExport = Qt::ArrowCursor;
-    QSignalSpy newFile(&r.widget, &vantrel::qt::VantrelWidget::NewExportFile);
-    connect(&r.widget, &vantrel::qt::VantrelWidget::NewExportFile, this, [&] {
-      statusDuringExport = r.widget.StatusLabel()->text();
-      cursorDuringExport = r.widget.cursor().shape();
+    QString status;
+    Qt::CursorShape cursor = Qt::ArrowCursor;
+    connect(&r.widget, &VantrelWidget::NewExportFile, this, [&] {
+      status = r.widget.StatusLabel()->text();
+      cursor = r.widget.cursor().shape();
     });
     QTest::mouseClick(r.widget.ExportButton(), Qt::LeftButton);
-
-    QCOMPARE(newFile.count(), 1);
-    QCOMPARE(statusDuringExport, QStringLiteral("Exporting 6 rows..."));
-    QCOMPARE(cursorDuringExport, Qt::BusyCursor);
+    QCOMPARE(status, u"Exporting 6 rows..."_s);
+    QCOMPARE(cursor, Qt::BusyCursor);
     QVERIFY(r.widget.cursor().shape() != Qt::BusyCursor);
-    QVERIFY(r.widget.StatusLabel()->text().startsWith(QStringLiteral("Refresh mode")));
-    // A successful export empties the table.
-    QCOMPARE(r.widget.Table()->model()->rowCount(), 0);
-    QVERIFY(r.prompts.Messages().empty());
-    QVERIFY(QFile::exists(QString::fromStdString(file)));
+    QVERIFY(r.widget.StatusLabel()->text().startsWith(u"Refresh mode"_s));
+    QVERIFY(r.prompts.Messages().empty() && QFile::exists(QString::fromStdString(file)));
   }
 
-  void theInfoButtonShowsTheDescriptionsInformation() {
-    TraceRig& r = *rig_;
-    QVERIFY(!r.widget.InfoButton()->isEnabled());
-    r.control().ClickInfoButton();
-    QCOMPARE(r.prompts.Messages().back().text, std::string("No info avalaible."));
-    QCOMPARE(r.prompts.Messages().back().title, std::string("Vantrel"));
-
-    QVERIFY(r.StartRefreshing());
-    QVERIFY(r.widget.InfoButton()->isEnabled());
-    QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
-    const vantrel::ShownMessage& info = r.prompts.Messages().back();
-    QVERIFY(QString::fromStdString(info.title).contains(QStringLiteral("PMP1_pumps.vtl")));
-    QVERIFY(QString::fromStdString(info.text).startsWith(
-        QStringLiteral("Info section :\r\rTrace of the pump station")));
-    QCOMPARE(info.icon, vantrel::MessageIcon::Information);
-  }
-
-  void theTableTakesTheGridFont() {
-    TraceRig& r = *rig_;
-    QVERIFY(r.StartRefreshing());
-    QTableView* table = r.widget.Table();
-    QCOMPARE(table->font().family(), QStringLiteral("Courier"));
+  void theTableTakesTheGridFontWhenThePropertiesAreRead() {
+    Rig& r = *rig_;
+    QTableView* table = r.table();
+    QCOMPARE(table->font().family(), u"Courier"_s);
     QCOMPARE(table->font().pointSizeF(), 10.0);
     const int rowHeight = table->verticalHeader()->defaultSectionSize();
-    // The font reaches the table when the property is read, as when the host saves it.
     r.control().SetGridFontSize("14");
     QCOMPARE(table->font().pointSizeF(), 10.0);
+    // The font reaches the table once the property is read, as when the host saves it.
     QCOMPARE(r.control().GridFontSize(), std::string("14"));
     r.widget.Refresh();
     QCOMPARE(table->font().pointSizeF(), 14.0);
@@ -312,156 +299,109 @@ class WidgetTest : public QObject {
     QCOMPARE(r.control().Table().RowHeight(), table->verticalHeader()->defaultSectionSize() * 15);
   }
 
-  void aShutDownCommandShowsTheNoticeBeforeTheHostHearsIt() {
-    TraceRig& r = *rig_;
-    QStringList order;
-    r.prompts.SetNoticeWaiter([&](int ms) { order << QStringLiteral("notice %1").arg(ms); });
-    connect(&r.widget, &vantrel::qt::VantrelWidget::PCDCmd, this,
-            [&](qint16 command) { order << QStringLiteral("PCDCmd %1").arg(command); });
-    QVERIFY(r.StartRefreshing());
-    r.program.SetCommand(9);
-    QTRY_COMPARE(order, (QStringList{"notice 3000", "PCDCmd 9"}));
-    QCOMPARE(r.prompts.Notices().front().caption, std::string("Form1"));
-  }
-
-  void clicksOnTheSurfaceReachTheHost() {
-    TraceRig& r = *rig_;
-    QSignalSpy clicks(&r.widget, &vantrel::qt::VantrelWidget::Click);
-    QSignalSpy doubleClicks(&r.widget, &vantrel::qt::VantrelWidget::DblClick);
-    // The frame's bottom right corner, where no part lies.
-    QFrame* frame = r.widget.Frame();
-    const QPoint corner(frame->width() - 4, frame->height() - 4);
-    QTest::mouseClick(frame, Qt::LeftButton, {}, corner);
-    QCOMPARE(clicks.count(), 1);
-    QTest::mouseDClick(frame, Qt::LeftButton, {}, corner);
-    QCOMPARE(doubleClicks.count(), 1);
-    // Clicks on the parts are theirs.
-    QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
-    QCOMPARE(clicks.count(), 1);
-  }
-
-  void theLayoutAt6000By4000TwipsMatchesTheControlsLayout() {
-    TraceRig& r = *rig_;
-    r.widget.LayOutTwips(6000, 4000);
-    // Frame 5820 x 3835, table 5500 x 2665 at (120, 480) and chart 5520 x 2685 at the same
-    // place, bottom line at 3460, info button at 3385: at 15 twips per pixel, rounded.
-    QCOMPARE(r.widget.Frame()->geometry(), QRect(0, 0, 388, 256));
-    QCOMPARE(r.widget.Table()->geometry(), QRect(8, 32, 367, 178));
-    QCOMPARE(r.widget.Chart()->geometry(), QRect(8, 32, 368, 179));
-    QCOMPARE(r.widget.StatusLabel()->y(), 231);
-    QCOMPARE(r.widget.ActivityShape()->y(), 234);
-    QCOMPARE(r.widget.InfoButton()->y(), 226);
-  }
-
-  void resizingLaysTheSurfaceOutAgain() {
-    TraceRig& r = *rig_;
-    QSignalSpy resized(&r.widget, &vantrel::qt::VantrelWidget::Resize);
+  void theSurfaceIsLaidOutInTwipsAndTakesClicks() {
+    Rig& r = *rig_;
+    QSignalSpy resized(&r.widget, &VantrelWidget::Resize);
+    QSignalSpy clicks(&r.widget, &VantrelWidget::Click);
+    QSignalSpy doubleClicks(&r.widget, &VantrelWidget::DblClick);
     r.widget.resize(800, 600);
     QVERIFY(resized.count() >= 1);
     QCOMPARE(r.widget.Frame()->size(), QSize(788, 589));
     // The control knows how much of the table is seen, for keeping the newest row in view.
-    QTableView* table = r.widget.Table();
     QCOMPARE(r.control().Table().ViewHeight(),
-             (table->viewport()->height() + table->horizontalHeader()->height()) * 15);
+             (r.table()->viewport()->height() + r.table()->horizontalHeader()->height()) * 15);
+    // The frame's bottom right corner, where no part lies; clicks on the parts are theirs.
+    const QPoint corner(r.widget.Frame()->width() - 4, r.widget.Frame()->height() - 4);
+    QTest::mouseClick(r.widget.Frame(), Qt::LeftButton, {}, corner);
+    QTest::mouseDClick(r.widget.Frame(), Qt::LeftButton, {}, corner);
+    QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(doubleClicks.count(), 1);
+
+    // Frame 5820 x 3835, table 5500 x 2665 at (120, 480) and chart 5520 x 2685 at the same
+    // place, bottom line at 3460, info button at 3385: at 15 twips per pixel, rounded.
+    r.widget.LayOutTwips(6000, 4000);
+    QCOMPARE(r.widget.Frame()->geometry(), QRect(0, 0, 388, 256));
+    QCOMPARE(r.table()->geometry(), QRect(8, 32, 367, 178));
+    QCOMPARE(r.widget.Chart()->geometry(), QRect(8, 32, 368, 179));
+    QCOMPARE((QList<int>{r.widget.StatusLabel()->y(), r.widget.ActivityShape()->y(),
+                         r.widget.InfoButton()->y()}),
+             (QList<int>{231, 234, 226}));
   }
 
-  void columnWidthsFollowTheControl() {
-    TraceRig& r = *rig_;
-    r.widget.SetFitColumnsToContents(false);
-    QVERIFY(r.StartRefreshing());
-    QTableView* table = r.widget.Table();
-    // 700 twips.
-    QCOMPARE(table->columnWidth(r.ModelColumn(QStringLiteral("Run"))), 47);
-    const int date = r.ModelColumn(QStringLiteral("PC Date"));
+  void columnWidthsFollowTheControlTheTextsAndTheUser() {
+    Rig& r = *rig_;
+    QTableView* table = r.table();
+    const int date = r.Column(u"PC Date"_s);
     QVERIFY(table->isColumnHidden(date));
     r.control().SetDateStampCol(true);
     QVERIFY(!table->isColumnHidden(date));
-    QCOMPARE(table->columnWidth(date), 73);
-  }
-
-  void narrowColumnsAreDrawnWideEnoughForTheirTexts() {
-    TraceRig& r = *rig_;
-    QVERIFY(r.StartRefreshing());
     QVERIFY(r.WriteAndWait(3, 3));
-    QTableView* table = r.widget.Table();
-    const int setPoint = r.ModelColumn(QStringLiteral("Set point"));
-    const QString widest = r.Cell(0, setPoint);
-    QVERIFY(widest.startsWith(QStringLiteral("Station.")));
-    QVERIFY(table->columnWidth(setPoint) > QFontMetrics(table->font()).horizontalAdvance(widest));
-    // The control's width stays as the description set it.
+    // Fitted to their texts, however narrow the control has them (Batch: 4 twips).
+    const QFontMetrics metrics(table->font());
+    const int setPoint = r.Column(u"Set point"_s), batch = r.Column(u"Batch"_s);
+    QVERIFY(r.Cell(0, setPoint).startsWith(u"Station."_s));
+    QVERIFY(table->columnWidth(setPoint) > metrics.horizontalAdvance(r.Cell(0, setPoint)));
+    QVERIFY(table->columnWidth(batch) > metrics.horizontalAdvance(u"LOT7"_s));
     QCOMPARE(r.control().Table().ColumnWidth(setPoint + 1), 1800);
-    // A column of 4 twips is shown, as wide as its caption and texts.
-    const int batch = r.ModelColumn(QStringLiteral("Batch"));
-    QVERIFY(!table->isColumnHidden(batch));
-    QVERIFY(table->columnWidth(batch) > QFontMetrics(table->font()).horizontalAdvance("LOT7"));
-  }
-
-  void draggingAColumnEdgeGivesTheControlTheNewWidth() {
-    TraceRig& r = *rig_;
-    QVERIFY(r.StartRefreshing());
-    QTableView* table = r.widget.Table();
+    // Not fitted, the control's widths: 700 and 1100 twips.
+    r.widget.SetFitColumnsToContents(false);
+    QCOMPARE(table->columnWidth(r.Column(u"Run"_s)), 47);
+    QCOMPARE(table->columnWidth(date), 73);
+    // A width the user drags goes back to the control.
     QHeaderView* header = table->horizontalHeader();
-    const int flow = r.ModelColumn(QStringLiteral("Flow"));
+    const int flow = r.Column(u"Flow"_s);
     const int before = header->sectionSize(flow);
     const int edge = header->sectionViewportPosition(flow) + before - 1;
-    QWidget* viewport = header->viewport();
-    QTest::mousePress(viewport, Qt::LeftButton, {}, QPoint(edge, 5));
-    QTest::mouseMove(viewport, QPoint(edge + 40, 5));
-    QTest::mouseRelease(viewport, Qt::LeftButton, {}, QPoint(edge + 40, 5));
+    QTest::mousePress(header->viewport(), Qt::LeftButton, {}, QPoint(edge, 5));
+    QTest::mouseMove(header->viewport(), QPoint(edge + 40, 5));
+    QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, QPoint(edge + 40, 5));
     QCOMPARE(header->sectionSize(flow), before + 40);
     QCOMPARE(r.control().Table().ColumnWidth(flow + 1), (before + 40) * 15);
   }
 
   void selectedCellsCopyAsTabSeparatedText() {
-    TraceRig& r = *rig_;
+    Rig& r = *rig_;
     r.control().SetDateStampCol(true);
-    QVERIFY(r.StartRefreshing());
     QVERIFY(r.WriteAndWait(3, 3));
-    QTableView* table = r.widget.Table();
-    const QAbstractItemModel* model = table->model();
-    const int run = r.ModelColumn(QStringLiteral("Run"));
-    // From the date column over the hidden time and status columns to "Alarm".
-    table->selectionModel()->select(QItemSelection(model->index(0, 0), model->index(1, run + 1)),
-                                    QItemSelectionModel::ClearAndSelect);
+    auto* table = static_cast<vantrel::qt::RecordTable*>(r.table());
+    const int run = r.Column(u"Run"_s);
+    // The rows and columns the selection spans, from the date column over the hidden time
+    // and status columns to "Alarm"; cells of the span not selected stay empty.
+    for (const auto& [row, column] : {std::pair{0, 0}, {0, run + 1}, {1, run}})
+      table->selectionModel()->select(r.model()->index(row, column), QItemSelectionModel::Select);
     table->setFocus();
     QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
-    const QString expected =
-        QStringList{r.Cell(0, 0), r.Cell(0, run), r.Cell(0, run + 1)}.join('\t') + '\n' +
-        QStringList{r.Cell(1, 0), r.Cell(1, run), r.Cell(1, run + 1)}.join('\t');
-    QCOMPARE(QApplication::clipboard()->text(), expected);
-
-    QApplication::clipboard()->clear();
-    table->selectionModel()->select(model->index(2, run), QItemSelectionModel::ClearAndSelect);
-    QVERIFY(table->actions().contains(static_cast<vantrel::qt::RecordTable*>(table)->CopyAction()));
-    static_cast<vantrel::qt::RecordTable*>(table)->CopyAction()->trigger();
+    QCOMPARE(QApplication::clipboard()->text(),
+             r.Cell(0, 0) + "\t\t" + r.Cell(0, run + 1) + "\n\t" + r.Cell(1, run) + '\t');
+    // The context menu's copy.
+    table->selectionModel()->select(r.model()->index(2, run), QItemSelectionModel::ClearAndSelect);
+    QVERIFY(table->actions().contains(table->CopyAction()));
+    table->CopyAction()->trigger();
     QCOMPARE(QApplication::clipboard()->text(), r.Cell(2, run));
   }
 
   void aDoubleClickOnADataCellShowsItsRawValue() {
-    TraceRig& r = *rig_;
-    QVERIFY(r.StartRefreshing());
+    Rig& r = *rig_;
     QVERIFY(r.WriteAndWait(2, 2));
-    QTableView* table = r.widget.Table();
     // Flow is the high word of the second register: 0x0100 for the first record.
-    const int flow = r.ModelColumn(QStringLiteral("Flow"));
-    QCOMPARE(r.Cell(0, flow), QStringLiteral("0100"));
-    QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, CellCenter(table, 0, flow));
+    const int flow = r.Column(u"Flow"_s);
+    QCOMPARE(r.Cell(0, flow), u"0100"_s);
+    DoubleClickCell(r.table(), 0, flow);
     vantrel::qt::ValuePanel* panel = r.widget.ValuePanelWidget();
-    QVERIFY(panel != nullptr);
-    QVERIFY(panel->isVisible());
-    QCOMPARE(panel->Decimal()->text(), QStringLiteral("256"));
-    QCOMPARE(panel->Hexadecimal()->text(), QStringLiteral("00000100"));
-    QCOMPARE(panel->Binary()->text(), QStringLiteral("00000000 00000000 00000001 00000000"));
-    QCOMPARE(panel->Characters()->text(), QStringLiteral("'\x7f\x7f\x7f\x7f'"));
-    QVERIFY(panel->Cell()->text().contains(QStringLiteral("Flow")));
-
+    QVERIFY(panel != nullptr && panel->isVisible());
+    QCOMPARE((QStringList{panel->Decimal()->text(), panel->Hexadecimal()->text(),
+                          panel->Binary()->text(), panel->Characters()->text()}),
+             (QStringList{u"256"_s, u"00000100"_s, u"00000000 00000000 00000001 00000000"_s,
+                          u"'\x7f\x7f\x7f\x7f'"_s}));
+    QVERIFY(panel->Cell()->text().contains(u"Flow"_s));
     // The next record's cell replaces the panel's contents.
-    QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, CellCenter(table, 1, flow));
-    QCOMPARE(panel->Decimal()->text(), QStringLiteral("257"));
+    DoubleClickCell(r.table(), 1, flow);
+    QCOMPARE(panel->Decimal()->text(), u"257"_s);
   }
 
  private:
-  std::unique_ptr<TraceRig> rig_;
+  std::unique_ptr<Rig> rig_;
 };
 
 QTEST_MAIN(WidgetTest)
