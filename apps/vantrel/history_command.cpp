@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "console_prompts.h"
-#include "vantrel/posix_export_files.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/record_history.h"
+#include "vantrel/posix_export_files.h"
 #include "vantrel/recorded_export.h"
 #include "vantrel/xlsx_exporter.h"
 

@@ -11,7 +11,6 @@
 #include "controller_links.h"
 #include "description/profile_file.h"
 #include "event_log.h"
-#include "vantrel/posix_export_files.h"
 #include "vantrel/control.h"
 #include "vantrel/encoding.h"
 #include "vantrel/history/record_history.h"
@@ -20,6 +19,7 @@
 #include "vantrel/hosts/program_file.h"
 #include "vantrel/hosts/pump_station.h"
 #include "vantrel/poll_event_loop.h"
+#include "vantrel/posix_export_files.h"
 #include "vantrel/xlsx_exporter.h"
 
 namespace vantrel::cli {

@@ -9,9 +9,9 @@
 #include "gui_thread_post.h"
 #include "settings_dialog.h"
 #include "text_conversion.h"
-#include "vantrel/posix_export_files.h"
 #include "vantrel/control.h"
 #include "vantrel/hosts/examples_directory.h"
+#include "vantrel/posix_export_files.h"
 
 namespace vantrel::viewer {
 

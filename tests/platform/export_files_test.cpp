@@ -37,7 +37,8 @@ TEST(ExportFiles, NoModeOpensThroughALink) {
       std::ofstream(dir.File("victim")) << "keep";
       fs::create_symlink(dir.File(dangling ? "new" : "victim"), dir.File("link"));
       errno = 0;
-      EXPECT_EQ(OpenExportFile(ExportFilesUnderTest(), dir.File("link"), how), nullptr) << static_cast<int>(how);
+      EXPECT_EQ(OpenExportFile(ExportFilesUnderTest(), dir.File("link"), how), nullptr)
+          << static_cast<int>(how);
       EXPECT_EQ(errno, ELOOP);
       EXPECT_EQ(ReadBytes(dir.File("victim")), "keep");
       EXPECT_FALSE(fs::exists(dir.File("new")));
