@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "control/module.h"
+#include "decoding/cell_reading.h"
 #include "decoding/grid_setup.h"
 #include "decoding/row_bookkeeping.h"
 #include "output/output_steps.h"
@@ -27,6 +28,21 @@ constexpr int kRows = 100000;
 
 std::string TempFile(const char* name) {
   return (std::filesystem::temp_directory_path() / name).string();
+}
+
+// The trace cells of a tab-separated line (with a leading tab), each read as the cells of a
+// column with that display code are.
+CellRow TextCells(const char* const* codes, std::string_view line) {
+  CellRow cells;
+  size_t start = 1;
+  for (int c = 0; start <= line.size(); ++c) {
+    const size_t tab = std::min(line.find('\t', start), line.size());
+    const std::string_view text = line.substr(start, tab - start);
+    cells.Append(text, {}, 0, CellValue::Text(),
+                 ReadCellText(text, '.', IsDateKind(ExportKindOfCode(codes[c]))));
+    start = tab + 1;
+  }
+  return cells;
 }
 
 // A control module whose table holds kRows decoded-looking rows: the PC date and time, then
@@ -58,7 +74,8 @@ struct FilledTable {
       char time[16];
       std::snprintf(time, sizeof time, "%02d:%02d:%02d", r / 3600 % 24, r / 60 % 60, r % 60);
       SetRowStamp(m, DateTime{2026, 11, 15, r / 3600 % 24, r / 60 % 60, r % 60, 0});
-      AddRecordRow(m, TextCells(m, line));
+      CellRow cells = TextCells(codes, line);
+      AddRecordRow(m, cells);
     }
     full = m.grid;
   }

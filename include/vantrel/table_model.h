@@ -7,7 +7,6 @@
 // row cost constant time.
 
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,6 +14,7 @@
 
 #include "vantrel/clock.h"
 #include "vantrel/record_cells.h"
+#include "vantrel/ring.h"
 #include "vantrel/row_kind.h"
 
 namespace vantrel {
@@ -26,14 +26,29 @@ inline constexpr int kPcTimeColumn = 2;
 inline constexpr int kStatusColumn = 3;
 inline constexpr int kFirstTraceColumn = 4;
 
-// One data row: its cells in table order (record number, PC date, PC time, controller
-// status, then one per trace column).
+// One data row: the stamp cells (record number, PC date, PC time, controller status) and one
+// cell per trace column. The accessors take table column numbers.
 struct TableRow {
   RowKind kind = RowKind::Record;
   int32_t recordNumber = 0;  // marker rows carry the last record's number
   DateTime pcTime;
   int64_t missed = 0;  // records lost, on a Miss row
+  CellRow stamps;
   CellRow cells;
+
+  std::string_view Text(int column) const { return Part(column).Text(Index(column)); }
+  std::string_view Comment(int column) const { return Part(column).Comment(Index(column)); }
+  int64_t Raw(int column) const { return Part(column).Raw(Index(column)); }
+  CellValue Value(int column) const { return Part(column).Value(Index(column)); }
+  std::optional<double> Number(int column) const { return Part(column).Number(Index(column)); }
+  double Plot(int column) const { return Part(column).Plot(Index(column)); }
+  std::optional<double> Serial(int column) const { return Part(column).Serial(Index(column)); }
+
+  const CellRow& Part(int column) const { return column < kFirstTraceColumn ? stamps : cells; }
+  CellRow& Part(int column) { return column < kFirstTraceColumn ? stamps : cells; }
+  static size_t Index(int column) {
+    return static_cast<size_t>(column < kFirstTraceColumn ? column : column - kFirstTraceColumn);
+  }
 };
 
 class TableObserver {
@@ -84,10 +99,12 @@ class TableModel {
   // default colour).
   int32_t HeaderBackColor(int column) const;
 
-  // An empty row whose buffers may be reused (those of the last row removed from the top).
-  TableRow TakeSpareRow();
   // Appends a data row; cells beyond the column count are dropped, missing ones are empty.
   void AddRow(TableRow row);
+  // Appends a data row that `fill` writes into an empty row, whose buffers are reused from a
+  // row removed earlier: a table at its row limit appends without allocating.
+  template <typename Fill>
+  void AppendRow(Fill&& fill);
   // Removes data row `row` (>= 1). Removing row 1, the oldest, costs constant time.
   void RemoveRow(int row);
   // Empties every cell text, the header's too; rows, columns and their settings stay.
@@ -121,13 +138,15 @@ class TableModel {
   };
 
   TableRow& DataRow(int row);
+  // Gives the row exactly one cell per column.
+  void Shape(TableRow& row) const;
+  void RowAppended();
   void CheckColumn(int column) const;
   template <typename F>
   void Notify(F&& f);
 
   std::vector<std::string> header_;
-  std::deque<TableRow> rows_;
-  TableRow spare_;
+  Ring<TableRow> rows_;
   std::vector<Column> columns_;
   int topRow_ = 1;
   bool redraw_ = true;
@@ -137,5 +156,24 @@ class TableModel {
   int32_t viewHeight_ = 0;
   std::vector<TableObserver*> observers_;
 };
+
+template <typename Fill>
+void TableModel::AppendRow(Fill&& fill) {
+  TableRow& row = rows_.AppendSlot();
+  row.kind = RowKind::Record;
+  row.recordNumber = 0;
+  row.pcTime = {};
+  row.missed = 0;
+  row.stamps.Clear();
+  row.cells.Clear();
+  try {
+    fill(row);
+  } catch (...) {
+    rows_.PopBack();
+    throw;
+  }
+  Shape(row);
+  RowAppended();
+}
 
 }  // namespace vantrel

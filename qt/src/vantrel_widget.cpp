@@ -483,7 +483,7 @@ void VantrelWidget::OnCellDoubleClicked(int modelRow, int modelColumn) {
   }
   const vantrel::TableRow& shown = table.Row(row);
   std::optional<int64_t> raw;
-  if (shown.kind == RowKind::Record) raw = shown.cells.Raw(static_cast<size_t>(column));
+  if (shown.kind == RowKind::Record) raw = shown.Raw(column);
   if (p.valuePanel == nullptr) p.valuePanel = new ValuePanel(this);
   p.valuePanel->ShowCell(ToQString(table.Text(0, column)), ToQString(table.Text(row, 0)).trimmed(),
                          ToQString(table.Text(row, column)), raw);

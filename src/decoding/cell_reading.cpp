@@ -16,12 +16,25 @@ constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
                                         1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int64_t kExactIntegerLimit = int64_t{1} << 53;
 
-// A number needs a decimal digit, or a "&H" / "&O" literal.
-bool MayBeNumber(std::string_view text) {
-  for (const char c : text) {
-    if ((c >= '0' && c <= '9') || c == '&') return true;
+// Whether the text may be a whole number, decided without reading it: a number needs a
+// decimal digit, or a "&H" / "&O" literal; without such a literal, nothing but blanks at either
+// end, signs, digits, the separator and exponent letters.
+bool MayBeNumber(std::string_view text, char separator) {
+  if (text.find('&') != std::string_view::npos) return true;
+  const size_t begin = text.find_first_not_of(" \t");
+  if (begin == std::string_view::npos) return false;
+  const size_t end = text.find_last_not_of(" \t") + 1;
+  bool digit = false;
+  for (size_t i = begin; i < end; ++i) {
+    const char c = text[i];
+    if (c >= '0' && c <= '9') {
+      digit = true;
+    } else if (c != '+' && c != '-' && c != separator && c != 'e' && c != 'E' && c != 'd' &&
+               c != 'D') {
+      return false;
+    }
   }
-  return false;
+  return digit;
 }
 
 // The graph's reading of a numeric text: as C reads it, with the table's separator as the
@@ -47,7 +60,7 @@ ExportCellKind ExportKindOfCode(std::string_view code) {
 
 CellReading ReadCellText(std::string_view text, char decimalSeparator, bool dateColumn) {
   CellReading reading;
-  if (MayBeNumber(text)) {
+  if (MayBeNumber(text, decimalSeparator)) {
     reading.number = NumberValue(text, decimalSeparator);
     if (reading.number) reading.plot = GraphNumber(text, decimalSeparator);
   }

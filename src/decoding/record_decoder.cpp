@@ -142,7 +142,9 @@ class RecordPass {
     comment_.clear();
     code_ = column.DisplayCode;
     last_ = code_.empty() ? '\0' : code_.back();
-    signMarker_ = code_.find_first_of("sS") != std::string_view::npos;
+    signMarker_ = false;
+    for (const char c : code_)
+      signMarker_ = signMarker_ || c == 's' || c == 'S';
     decimals_ = LeadingNumber(code_);
     value_ = CellValue::Text();
     decimalCell_ = false;
@@ -174,10 +176,16 @@ class RecordPass {
       decimalCell_ = false;
     }
     const bool dateColumn = IsDateKind(ExportKindOfCode(code_));
-    const CellReading reading = decimalCell_
-                                    ? ReadDecimalCell(display_, value_.integer, value_.decimals,
-                                                      tables_.decimalSeparator, dateColumn)
-                                    : ReadCellText(display_, tables_.decimalSeparator, dateColumn);
+    CellReading reading;
+    if (decimalCell_) {
+      reading = ReadDecimalCell(display_, value_.integer, value_.decimals, tables_.decimalSeparator,
+                                dateColumn);
+    } else if (value_.kind == ValueKind::Timestamp) {
+      // The text of a stamp is a date or a time, never a number; its serial is known.
+      if (dateColumn) reading.serial = value_.real;
+    } else {
+      reading = ReadCellText(display_, tables_.decimalSeparator, dateColumn);
+    }
     // A string column's raw value is the last register it read.
     out_.cells.Append(display_, comment_, column.FieldType == kStrg ? lastRegister_ : raw_, value_,
                       reading);

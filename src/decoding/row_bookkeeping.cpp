@@ -60,17 +60,17 @@ void AddMarkerRow(Module& m, RowKind kind, const std::string& status, int64_t mi
   for (int k = 0; k <= traceColumns; ++k)
     (filler += kTab) += kDashes;
 
-  TableRow row = m.grid.TakeSpareRow();
-  row.kind = kind;
-  row.recordNumber = m.walk.RecordCount;
-  row.pcTime = m.stamp.at;
-  row.missed = missed;
-  AppendStampCells(m, m.walk.RecordCount, status, row.cells);
-  for (int k = 0; k < traceColumns; ++k) {
-    const std::string_view text = k == 0 && !firstToo ? std::string_view() : kDashes;
-    row.cells.Append(text, {}, 0, {}, {});
-  }
-  m.grid.AddRow(std::move(row));
+  m.grid.AppendRow([&](TableRow& row) {
+    row.kind = kind;
+    row.recordNumber = m.walk.RecordCount;
+    row.pcTime = m.stamp.at;
+    row.missed = missed;
+    AppendStampCells(m, m.walk.RecordCount, status, row.stamps);
+    for (int k = 0; k < traceColumns; ++k) {
+      const std::string_view text = k == 0 && !firstToo ? std::string_view() : kDashes;
+      row.cells.Append(text, {}, 0, {}, {});
+    }
+  });
 
   std::string event;
   AppendEventText(m, status, filler, event);
@@ -130,7 +130,7 @@ bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first) {
   return true;
 }
 
-void AddRecordRow(Module& m, const CellRow& traceCells, RowKind kind) {
+void AddRecordRow(Module& m, CellRow& traceCells, RowKind kind) {
   // Record rows come at full rate: their texts are built in a buffer kept by the module.
   std::string& event = m.eventText;
   event.clear();
@@ -157,14 +157,14 @@ void AddRecordRow(Module& m, const CellRow& traceCells, RowKind kind) {
   }
   m.SurfaceChanged();
 
-  TableRow row = m.grid.TakeSpareRow();
-  row.kind = kind;
-  row.recordNumber = m.walk.RecordCount;
-  row.pcTime = m.stamp.at;
-  AppendStampCells(m, m.walk.RecordCount, m.PCDStatusText, row.cells);
-  row.cells.AppendAll(traceCells);
-  m.grid.AddRow(std::move(row));
-  AnnounceRecordRow(m, kind, traceCells);
+  m.grid.AppendRow([&](TableRow& row) {
+    row.kind = kind;
+    row.recordNumber = m.walk.RecordCount;
+    row.pcTime = m.stamp.at;
+    AppendStampCells(m, m.walk.RecordCount, m.PCDStatusText, row.stamps);
+    std::swap(row.cells, traceCells);
+  });
+  AnnounceRecordRow(m, kind, m.grid.Row(m.grid.RowCount() - 1).cells);
 
   if (m.GraphShown) RefreshGraph(m);
   ScrollToNewest(m);

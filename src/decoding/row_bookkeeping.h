@@ -15,8 +15,9 @@ namespace vantrel {
 bool DecodeRecord(Module& m, std::span<const int32_t> registers, size_t first);
 
 // Appends a row of trace cells stamped with the last record's PC time: a decoded record, or
-// (kind Status) a controller status change with empty cells.
-void AddRecordRow(Module& m, const CellRow& traceCells, RowKind kind = RowKind::Record);
+// (kind Status) a controller status change with empty cells. The row takes the cells over;
+// `traceCells` is left with empty buffers to reuse.
+void AddRecordRow(Module& m, CellRow& traceCells, RowKind kind = RowKind::Record);
 // Marks records lost because the ring overran between two polls.
 void AddMissRow(Module& m, int64_t missed);
 // Marks the controller's record counter going backwards.

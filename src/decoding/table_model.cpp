@@ -7,6 +7,13 @@
 
 namespace vantrel {
 
+void TableModel::Shape(TableRow& row) const {
+  const auto columns = static_cast<size_t>(ColumnCount());
+  const auto stamps = static_cast<size_t>(kFirstTraceColumn);
+  row.stamps.Resize(std::min(columns, stamps));
+  row.cells.Resize(columns > stamps ? columns - stamps : 0);
+}
+
 template <typename F>
 void TableModel::Notify(F&& f) {
   for (TableObserver* observer : observers_)
@@ -18,8 +25,7 @@ void TableModel::SetColumnCount(int columns) {
   const auto count = static_cast<size_t>(columns);
   columns_.resize(count);
   header_.resize(count);
-  for (TableRow& row : rows_)
-    row.cells.Resize(count);
+  rows_.ForEach([this](TableRow& row) { Shape(row); });
   Notify([](TableObserver& o) { o.TableReset(); });
 }
 
@@ -28,12 +34,12 @@ void TableModel::SetRowCount(int rows) {
   if (dataRows < rows_.size()) {
     const int removedFrom = static_cast<int>(dataRows) + 1;
     const int removed = static_cast<int>(rows_.size() - dataRows);
-    rows_.resize(dataRows);
+    rows_.resize(dataRows, TableRow{});
     Notify([&](TableObserver& o) { o.RowsRemoved(removedFrom, removed); });
   } else if (dataRows > rows_.size()) {
     const int first = RowCount();
     TableRow empty;
-    empty.cells.Resize(columns_.size());
+    Shape(empty);
     const int added = static_cast<int>(dataRows - rows_.size());
     rows_.resize(dataRows, empty);
     Notify([&](TableObserver& o) { o.RowsAppended(first, added); });
@@ -57,7 +63,7 @@ void TableModel::CheckColumn(int column) const {
 std::string_view TableModel::Text(int row, int column) const {
   CheckColumn(column);
   if (row == 0) return header_[static_cast<size_t>(column)];
-  return Row(row).cells.Text(static_cast<size_t>(column));
+  return Row(row).Text(column);
 }
 
 void TableModel::SetText(int row, int column, std::string_view text) {
@@ -65,7 +71,7 @@ void TableModel::SetText(int row, int column, std::string_view text) {
   if (row == 0) {
     header_[static_cast<size_t>(column)] = text;
   } else {
-    DataRow(row).cells.SetText(static_cast<size_t>(column), text);
+    DataRow(row).Part(column).SetText(TableRow::Index(column), text);
   }
   Notify([&](TableObserver& o) { o.CellChanged(row, column); });
 }
@@ -117,20 +123,11 @@ int32_t TableModel::HeaderBackColor(int column) const {
   return Selected(column) ? kColorYellow : 0;
 }
 
-TableRow TableModel::TakeSpareRow() {
-  TableRow row = std::move(spare_);
-  spare_ = TableRow{};
-  row.kind = RowKind::Record;
-  row.recordNumber = 0;
-  row.pcTime = {};
-  row.missed = 0;
-  row.cells.Clear();
-  return row;
+void TableModel::AddRow(TableRow row) {
+  AppendRow([&row](TableRow& slot) { slot = std::move(row); });
 }
 
-void TableModel::AddRow(TableRow row) {
-  row.cells.Resize(columns_.size());
-  rows_.push_back(std::move(row));
+void TableModel::RowAppended() {
   const int added = RowCount() - 1;
   Notify([&](TableObserver& o) { o.RowsAppended(added, 1); });
 }
@@ -138,12 +135,10 @@ void TableModel::AddRow(TableRow row) {
 void TableModel::RemoveRow(int row) {
   if (row < 1 || row >= RowCount()) throw RuntimeError::SubscriptOutOfRange();
   if (row == 1) {
-    // The oldest row's buffers serve the next row appended: a table at its row limit then
-    // appends and drops rows without allocating.
-    spare_ = std::move(rows_.front());
-    rows_.pop_front();
+    // The oldest row's buffers serve a row appended later.
+    rows_.PopFront();
   } else {
-    rows_.erase(rows_.begin() + (row - 1));
+    rows_.erase(static_cast<size_t>(row - 1));
   }
   if (topRow_ > 1 && topRow_ >= RowCount()) topRow_ = RowCount() - 1;
   Notify([&](TableObserver& o) { o.RowsRemoved(row, 1); });
@@ -152,8 +147,10 @@ void TableModel::RemoveRow(int row) {
 void TableModel::ClearCells() {
   for (std::string& caption : header_)
     caption.clear();
-  for (TableRow& row : rows_)
+  rows_.ForEach([](TableRow& row) {
+    row.stamps.ClearCells();
     row.cells.ClearCells();
+  });
   Notify([](TableObserver& o) { o.TableReset(); });
 }
 

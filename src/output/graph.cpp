@@ -96,7 +96,7 @@ void RefreshGraph(Module& m) {
     for (int s = 1; s <= static_cast<int>(m.GraphColumns.size()); ++s) {
       const int column = m.GraphColumns[static_cast<size_t>(s - 1)].first;
       for (int r = first; r <= rows - 1; ++r) {
-        chart.SetValue(s, r - first + 1, grid.Row(r).cells.Plot(static_cast<size_t>(column)));
+        chart.SetValue(s, r - first + 1, grid.Row(r).Plot(column));
       }
     }
   } catch (const RuntimeError&) {

@@ -95,11 +95,12 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
     row.recordNumber = recorded.recordNumber;
     row.pcTime = recorded.pcTime;
     auto add = [&](std::string_view text) {
-      const size_t c = row.cells.Size();
+      const size_t c = row.stamps.Size() + row.cells.Size();
       if (c >= columns) return;
       const bool date = c == size_t{kPcDateColumn} || c == size_t{kPcTimeColumn} || dateColumn[c];
-      row.cells.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
-                       ReadCellText(text, m.decimalSeparator, date));
+      CellRow& part = c < size_t{kFirstTraceColumn} ? row.stamps : row.cells;
+      part.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
+                  ReadCellText(text, m.decimalSeparator, date));
     };
     add(std::to_string(recorded.recordNumber));
     add(FormatStatusDate(recorded.pcTime));

@@ -10,8 +10,8 @@ namespace vantrel {
 ExportCell ReadExportCell(const ExportSource& source, int row, size_t column) {
   const ExportColumn& c = source.columns[column];
   ExportCell cell;
-  const CellRow& cells = source.table->Row(row).cells;
-  const auto index = static_cast<size_t>(c.gridColumn);
+  const TableRow& cells = source.table->Row(row);
+  const int index = c.gridColumn;
   cell.text = cells.Text(index);
   if (cell.text.empty()) return cell;
   switch (c.kind) {

@@ -116,10 +116,9 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
       return failed(writer.LastError());
     }
     const ColumnType type = TypeOfColumn(m, column);
-    const auto cell = static_cast<size_t>(column);
     for (int row = 1; row < m.grid.RowCount(); ++row) {
-      const CellRow& cells = m.grid.Row(row).cells;
-      const std::string_view text = cells.Text(cell);
+      const TableRow& cells = m.grid.Row(row);
+      const std::string_view text = cells.Text(column);
       if (text.empty()) continue;
       const int16_t sheetRow = Cell16(row + 1);
       bool written = false;
@@ -128,13 +127,13 @@ void WriteColumn(Module& m, ExcelFile& writer, int16_t& counter, int column) {
           written = writer.EWriteString(sheetRow, counter, text);
           break;
         case CellKind::Date: {
-          const auto serial = cells.Serial(cell);
+          const auto serial = cells.Serial(column);
           if (!serial) throw RuntimeError::TypeMismatch();
           written = writer.EWriteDouble(sheetRow, counter, *serial, type.format);
           break;
         }
         case CellKind::General:
-          if (const auto number = cells.Number(cell)) {
+          if (const auto number = cells.Number(column)) {
             written = writer.EWriteDouble(sheetRow, counter, *number, kFormatGeneral);
           } else {
             written = writer.EWriteString(sheetRow, counter, text);

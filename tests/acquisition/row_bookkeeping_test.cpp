@@ -118,9 +118,9 @@ TEST(RecordRows, ADecodedRecordKeepsItsValuesRawValuesAndReaderErrors) {
   const TableRow& row = f.m.grid.Row(1);
   EXPECT_EQ(f.Row(1),
             (std::vector<std::string>{"1", "15/11/26", "08:15:30", "Run", " 9", "0.07", " 0"}));
-  EXPECT_EQ(row.cells.Raw(5), 7);
-  EXPECT_EQ(row.cells.Number(5), 0.07);
-  EXPECT_EQ(row.cells.Serial(1), 46341.0);  // the PC date, read as the export reads it
+  EXPECT_EQ(row.Raw(5), 7);
+  EXPECT_EQ(row.Number(5), 0.07);
+  EXPECT_EQ(row.Serial(1), 46341.0);  // the PC date, read as the export reads it
   EXPECT_EQ(f.Lines(), std::vector<std::string>{" 9\t0.07\t 0"});
   ASSERT_EQ(f.host.Named("ModulError").size(), 1u);
   EXPECT_EQ(f.host.Named("ModulError")[0].text, "Error in ReadByte function.");

@@ -10,7 +10,7 @@ using testing::ControlFixture;
 
 void AddNumberedRow(TableModel& table, int number) {
   TableRow row;
-  row.cells.Append(std::to_string(number), {}, number, CellValue::Integer(number), {});
+  row.stamps.Append(std::to_string(number), {}, number, CellValue::Integer(number), {});
   table.AddRow(std::move(row));
 }
 

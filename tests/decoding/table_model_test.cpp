@@ -21,14 +21,16 @@ Cells Texts(const TableModel& t, int row) {
   return cells;
 }
 
-// A record row of text cells, built in the table's spare row as the control builds its rows.
+// A record row of text cells, filled in place as the control fills its rows.
 void AddTexts(TableModel& t, const Cells& texts, RowKind kind = RowKind::Record) {
-  TableRow row = t.TakeSpareRow();
-  row.kind = kind;
-  for (const std::string& text : texts)
-    row.cells.Append(text, "note " + text, static_cast<int64_t>(text.size()), CellValue::Text(),
-                     {static_cast<double>(text.size()), 1.5, std::nullopt});
-  t.AddRow(std::move(row));
+  t.AppendRow([&](TableRow& row) {
+    row.kind = kind;
+    for (const std::string& text : texts) {
+      CellRow& part = row.stamps.Size() < kFirstTraceColumn ? row.stamps : row.cells;
+      part.Append(text, "note " + text, static_cast<int64_t>(text.size()), CellValue::Text(),
+                  {static_cast<double>(text.size()), 1.5, std::nullopt});
+    }
+  });
 }
 
 struct Recorder : TableObserver {
@@ -52,12 +54,12 @@ TEST(TableModel, RowsAreKeptAsValuesShapedToTheColumns) {
   EXPECT_EQ(Texts(t, 2), (Cells{"x", "", "", ""}));
   const TableRow& row = t.Row(1);
   EXPECT_EQ(row.kind, RowKind::Record);
-  EXPECT_EQ(row.cells.Comment(2), "note c");
-  EXPECT_EQ(row.cells.Raw(3), 1);
-  EXPECT_EQ(row.cells.Number(3), 1.0);
-  EXPECT_EQ(row.cells.Plot(3), 1.5);
+  EXPECT_EQ(row.Comment(2), "note c");
+  EXPECT_EQ(row.Raw(3), 1);
+  EXPECT_EQ(row.Number(3), 1.0);
+  EXPECT_EQ(row.Plot(3), 1.5);
   EXPECT_EQ(t.Row(2).kind, RowKind::Miss);
-  EXPECT_EQ(t.Row(2).cells.Number(1), std::nullopt) << "an added empty cell reads as nothing";
+  EXPECT_EQ(t.Row(2).Number(1), std::nullopt) << "an added empty cell reads as nothing";
 }
 
 TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
@@ -67,7 +69,7 @@ TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
   t.SetText(1, 1, "longer text");
   t.SetText(1, 0, "");
   EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text", "c"}));
-  EXPECT_EQ(t.Row(1).cells.Comment(2), "note c");
+  EXPECT_EQ(t.Row(1).Comment(2), "note c");
   t.SetColumnCount(2);
   EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text"}));
   t.SetColumnCount(4);
@@ -85,8 +87,8 @@ TEST(TableModel, ARowAppendedAfterTheOldestWasDroppedStartsClean) {
   ASSERT_EQ(t.DataRowCount(), 2);
   EXPECT_EQ(Texts(t, 2), (Cells{"x", "", ""}));
   EXPECT_EQ(t.Row(2).kind, RowKind::Record);
-  EXPECT_EQ(t.Row(2).cells.Comment(1), "");
-  EXPECT_EQ(t.Row(2).cells.Raw(1), 0);
+  EXPECT_EQ(t.Row(2).Comment(1), "");
+  EXPECT_EQ(t.Row(2).Raw(1), 0);
 }
 
 TEST(TableModel, RemovingTheOldestRowKeepsTheOrderAndTellsObservers) {
@@ -126,7 +128,7 @@ TEST(TableModel, ClearCellsEmptiesTextsButKeepsTheShape) {
   EXPECT_EQ(t.RowCount(), 2);
   EXPECT_EQ(t.Text(0, 1), "");
   EXPECT_EQ(Texts(t, 1), (Cells{"", ""}));
-  EXPECT_EQ(t.Row(1).cells.Number(1), std::nullopt);
+  EXPECT_EQ(t.Row(1).Number(1), std::nullopt);
   EXPECT_EQ(t.ColumnWidth(1), 900);
 }
 

@@ -170,9 +170,9 @@ Decoded Decode(const Example& e) {
     return out;
   }
   const TableRow& row = m.grid.Row(m.grid.RowCount() - 1);
-  for (size_t c = kFirstTraceColumn; c < row.cells.Size(); ++c) {
-    out.shows += std::string(c > kFirstTraceColumn ? "<br>" : "") + std::string(row.cells.Text(c));
-    out.raw += std::string(c > kFirstTraceColumn ? ";" : "") + std::to_string(row.cells.Raw(c));
+  for (size_t c = 0; c < row.cells.Size(); ++c) {
+    out.shows += std::string(c > 0 ? "<br>" : "") + std::string(row.cells.Text(c));
+    out.raw += std::string(c > 0 ? ";" : "") + std::to_string(row.cells.Raw(c));
   }
   return out;
 }

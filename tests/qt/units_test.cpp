@@ -43,7 +43,8 @@ void AddItem(TableModel& table, const std::string& tabSeparated) {
   size_t start = 0;
   while (true) {
     const size_t tab = tabSeparated.find('\t', start);
-    row.cells.Append(tabSeparated.substr(start, tab - start), {}, 0, {}, {});
+    CellRow& part = row.stamps.Size() < kFirstTraceColumn ? row.stamps : row.cells;
+    part.Append(tabSeparated.substr(start, tab - start), {}, 0, {}, {});
     if (tab == std::string::npos) break;
     start = tab + 1;
   }

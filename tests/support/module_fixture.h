@@ -62,7 +62,10 @@ struct ModuleFixture {
     return cells;
   }
   // Appends a record row of these texts.
-  void AddTextRow(const std::vector<std::string>& texts) { AddRecordRow(m, TextCells(texts)); }
+  void AddTextRow(const std::vector<std::string>& texts) {
+    CellRow cells = TextCells(texts);
+    AddRecordRow(m, cells);
+  }
   // Stamps the next rows with the clock's time moved to `hour`:`minute`:`second`.
   void StampAt(int hour, int minute, int second, int day = 15) {
     SetRowStamp(m, DateTime{2026, 11, day, hour, minute, second, 0});
