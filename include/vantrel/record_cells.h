@@ -4,6 +4,7 @@
 // export and the graph read the cell. Those readings are decided once, when the cell is made,
 // so that no consumer ever parses a shown text again.
 
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -82,8 +83,8 @@ class CellRow {
     uint32_t textEnd = 0;
     uint32_t commentEnd = 0;
     int64_t raw = 0;
-    int64_t integer = 0;
-    double real = 0;
+    // The value's integer, or the bits of its real number (Float, Timestamp).
+    int64_t payload = 0;
     double number = 0;
     // The serial of a date cell, or the graph's value where it is not the number.
     double aux = 0;

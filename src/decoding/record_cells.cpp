@@ -5,6 +5,13 @@
 #include "platform/runtime_error.h"
 
 namespace vantrel {
+namespace {
+
+bool IsReal(ValueKind kind) {
+  return kind == ValueKind::Float || kind == ValueKind::Timestamp;
+}
+
+}  // namespace
 
 void CellRow::Clear() {
   texts_.clear();
@@ -33,15 +40,14 @@ void CellRow::Append(std::string_view text, std::string_view comment, int64_t ra
     throw RuntimeError::OutOfMemory();
   }
   texts_ += text;
-  comments_ += comment;
+  if (!comment.empty()) comments_ += comment;
   Cell& cell = cells_.emplace_back();
   cell.textEnd = static_cast<uint32_t>(texts_.size());
   cell.commentEnd = static_cast<uint32_t>(comments_.size());
   cell.raw = raw;
   cell.kind = value.kind;
   cell.decimals = value.decimals;
-  cell.integer = value.integer;
-  cell.real = value.real;
+  cell.payload = IsReal(value.kind) ? std::bit_cast<int64_t>(value.real) : value.integer;
   if (reading.number) {
     cell.flags |= kNumber;
     cell.number = *reading.number;
@@ -81,7 +87,8 @@ std::string_view CellRow::Comment(size_t i) const {
 
 CellValue CellRow::Value(size_t i) const {
   const Cell& c = cells_[i];
-  return {c.kind, c.decimals, c.integer, c.real};
+  if (IsReal(c.kind)) return {c.kind, c.decimals, 0, std::bit_cast<double>(c.payload)};
+  return {c.kind, c.decimals, c.payload, 0};
 }
 
 std::optional<double> CellRow::Number(size_t i) const {
