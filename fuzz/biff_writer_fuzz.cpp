@@ -10,16 +10,14 @@
 #include "output/excel_file.h"
 #include "platform/runtime_error.h"
 #include "support/biff_reader.h"
-#include "vantrel/scripted_prompts.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace vantrel;
   const std::string path = (fuzz::Scratch() / "out.xls").string();
   std::remove(path.c_str());
-  ScriptedPrompts prompts;
   std::map<std::pair<int, int>, std::string> labels;  // the last label written per cell
   {
-    ExcelFile file(prompts, StandardExportFiles());
+    ExcelFile file(StandardExportFiles());
     file.OpenFile(path);
     fuzz::Check(file.IsOpen(), "the scratch file opens");
     size_t at = 0;

@@ -12,7 +12,6 @@
 
 #include "decoding/record_decoder.h"
 #include "description/trace_description.h"
-#include "output/excel_file.h"
 #include "symbols/symbol_collection.h"
 #include "symbols/value_texts.h"
 #include "vantrel/control.h"
@@ -169,8 +168,6 @@ struct Control::Module {
   std::string eventText;
   // Set while an export ordered by the controller's command word runs.
   bool CommandedExport = false;
-  // The spreadsheet writer, created on the first export and kept.
-  std::unique_ptr<ExcelFile> excel;
   // The text of the last column that could not be exported.
   std::string LastExportError;
 

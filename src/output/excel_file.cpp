@@ -133,9 +133,7 @@ void ExcelFile::OpenFile(std::string_view fileName) {
     static_assert(kBof == 0x0009);
     Put(bof, sizeof bof);
   } catch (const RuntimeError& error) {
-    prompts_.ShowMessage(
-        "Open File : " + std::string(fileName) + " Error\r\n" + error.Description(), "Vantrel",
-        MessageIcon::None, MessageButtons::Ok);
+    notices_.push_back("Open File : " + std::string(fileName) + " Error\r\n" + error.Description());
     return;
   }
   WriteDefaultFormats();
@@ -157,8 +155,7 @@ void ExcelFile::WriteDefaultFormats() {
       Put(format.data(), format.size());
     }
   } catch (const RuntimeError& error) {
-    prompts_.ShowMessage("WriteDefaultFormats Error : " + error.Description(), "Vantrel",
-                         MessageIcon::None, MessageButtons::Ok);
+    notices_.push_back("WriteDefaultFormats Error : " + error.Description());
   }
 }
 
@@ -246,8 +243,7 @@ std::optional<int16_t> ExcelFile::SetDefaultRowHeight(int16_t points) {
     Put(record, sizeof record);
     return 0;
   } catch (const RuntimeError& error) {
-    prompts_.ShowMessage("SetDefaultRowHeight Error : " + error.Description(), "Vantrel",
-                         MessageIcon::None, MessageButtons::Ok);
+    notices_.push_back("SetDefaultRowHeight Error : " + error.Description());
     return std::nullopt;
   }
 }

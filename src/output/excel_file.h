@@ -4,9 +4,10 @@
 // nothing of traces. Rows and columns are 1-based on input.
 //
 // Failures are results, not exceptions: each operation traps its own failure and reports
-// it through its result (and, for opening, a message box). Two exceptions are kept on
-// purpose: a label longer than 255 characters throws Overflow before anything is written,
-// and CloseFile lets its failure through.
+// it through its result (opening, the formats and the default row height through a notice
+// for the user, see TakeNotices). Two exceptions are kept on purpose: a label longer than
+// 255 characters throws Overflow before anything is written, and CloseFile lets its failure
+// through.
 //
 // The file is opened for reading and writing without truncation: a shorter new file leaves
 // the tail of an old one behind its end record. Records go through one buffered stream, so
@@ -18,20 +19,22 @@
 #include <string>
 #include <string_view>
 
+#include <utility>
+#include <vector>
+
 #include "vantrel/export_files.h"
-#include "vantrel/prompts.h"
 
 namespace vantrel {
 
 class ExcelFile {
  public:
-  ExcelFile(Prompts& prompts, ExportFiles& files) : prompts_(prompts), files_(files) {}
+  explicit ExcelFile(ExportFiles& files) : files_(files) {}
   ~ExcelFile();
   ExcelFile(const ExcelFile&) = delete;
   ExcelFile& operator=(const ExcelFile&) = delete;
 
   // Opens (or creates) the file, writes the start record and the default formats. A failure
-  // is shown in a message box.
+  // leaves a notice.
   void OpenFile(std::string_view fileName);
   // Writes the end record and closes the file; throws RuntimeError when that fails.
   void CloseFile();
@@ -44,7 +47,7 @@ class ExcelFile {
   bool EWriteDouble(int16_t row, int16_t column, double value, int16_t formatIndex);
   // Width in characters of columns first..last; fails from 128 characters up.
   bool SetColumnWidth(uint8_t firstColumn, uint8_t lastColumn, int16_t width);
-  // 0 when written, nothing on failure (shown in a message box).
+  // 0 when written, nothing on failure (which leaves a notice).
   std::optional<int16_t> SetDefaultRowHeight(int16_t points);
   // 0 when written, else the failure's error number. Rows above 32767 are stored as
   // row - 65536 without the usual minus one, as readers of the format expect.
@@ -53,6 +56,9 @@ class ExcelFile {
   bool IsOpen() const { return file_ != nullptr; }
   // The text of the last failed cell, column-width or row-height write.
   const std::string& LastError() const { return lastError_; }
+  // What the user is to be told of failures since the last call, in order (shown in message
+  // boxes titled "Vantrel").
+  std::vector<std::string> TakeNotices() { return std::exchange(notices_, {}); }
 
   // The built-in number formats, index 0 to 23.
   static constexpr int kFormatCount = 24;
@@ -64,8 +70,8 @@ class ExcelFile {
   void PutRecordHeader(uint16_t id, uint16_t length);
   void PutCellHeader(uint16_t id, uint16_t length, int16_t row, int16_t column, uint8_t format);
 
-  Prompts& prompts_;
   ExportFiles& files_;
+  std::vector<std::string> notices_;
   std::FILE* file_ = nullptr;
   std::string lastError_;
 };

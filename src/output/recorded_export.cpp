@@ -1,21 +1,14 @@
 #include "vantrel/recorded_export.h"
 
-#include "control/module.h"
 #include "decoding/cell_reading.h"
 #include "decoding/grid_setup.h"
 #include "decoding/stamps.h"
 #include "description/field_types.h"
-#include "output/output_steps.h"
-#include "vantrel/manual_event_loop.h"
-#include "vantrel/scripted_prompts.h"
+#include "description/profile_file.h"
+#include "output/export_naming.h"
+#include "output/export_service.h"
 
 namespace vantrel {
-namespace {
-
-// Events of a control that only exports: nobody listens.
-struct SilentEvents : ControlEvents {};
-
-}  // namespace
 
 std::string RecordedLine(const RecordedRow& row, RecordedStamps stamps) {
   std::string text;
@@ -49,83 +42,91 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
     message = "The description has more columns than a table holds";
     return false;
   }
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  SilentEvents events;
-  ControlServices services{loop, loop.Clock(), prompts};
-  services.xlsx = how.xlsx;
-  services.exportFiles = how.files;
-  Module m(events, services);
-  InitializeControl(m);
-
-  // The description as it was loaded, column by column in the order of the row's cells.
-  m.description.Title = description.title;
-  m.description.HeaderKeyText = description.key;
-  m.description.DescVersion = description.version;
-  m.buffer.HeaderKey = description.key;
-  for (size_t i = 0; i < description.columns.size(); ++i) {
-    const HistoryColumn& c = description.columns[i];
-    ColumnDef& d = m.description.Columns[i + 1];
-    d.Defined = -1;
-    d.FieldType = FieldTypeOfWord(c.fieldType);
-    d.RegisterIndex = c.registerIndex;
-    d.Position = c.position;
-    d.Caption = c.caption;
-    d.DisplayCode = c.displayCode;
-    d.Width = c.widthTwips;
-  }
-  m.description.ColumnCount = static_cast<int16_t>(description.columns.size());
-  m.props.DateStampCol = how.stamps.date;
-  m.props.TimeStampCol = how.stamps.time;
-  m.props.PCDStatusCol = how.stamps.status;
-  BuildGrid(m);
-
-  // The table as the control filled it: number, PC date and time, status, then the cells,
-  // each made from the text the history kept.
-  const size_t columns = static_cast<size_t>(m.grid.ColumnCount());
-  std::vector<bool> dateColumn(columns, false);
-  for (size_t c = kFirstTraceColumn; c < columns; ++c) {
-    const int32_t definition = m.grid.ColumnData(static_cast<int>(c));
-    dateColumn[c] = IsDateKind(
-        ExportKindOfCode(m.description.Columns[static_cast<size_t>(definition)].DisplayCode));
-  }
+  // The table the control showed: number, PC date and time, status, then the trace columns,
+  // every cell made from the text the history kept.
+  const size_t traceColumns = description.columns.size();
+  TableModel table;
+  table.SetColumnCount(kFirstTraceColumn + static_cast<int>(traceColumns));
+  std::vector<bool> dateColumn(traceColumns);
+  for (size_t c = 0; c < traceColumns; ++c)
+    dateColumn[c] = IsDateKind(ExportKindOfCode(description.columns[c].displayCode));
   for (const RecordedRow& recorded : rows) {
     TableRow row;
     row.kind = recorded.kind;
     row.recordNumber = recorded.recordNumber;
     row.pcTime = recorded.pcTime;
-    auto add = [&](std::string_view text) {
-      const size_t c = row.stamps.Size() + row.cells.Size();
-      if (c >= columns) return;
-      const bool date = c == size_t{kPcDateColumn} || c == size_t{kPcTimeColumn} || dateColumn[c];
-      CellRow& part = c < size_t{kFirstTraceColumn} ? row.stamps : row.cells;
-      part.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
-                  ReadCellText(text, m.decimalSeparator, date));
+    auto stamp = [&row](std::string_view text, bool date) {
+      row.stamps.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
+                        ReadCellText(text, '.', date));
     };
-    add(std::to_string(recorded.recordNumber));
-    add(FormatStatusDate(recorded.pcTime));
-    add(FormatStatusTime(recorded.pcTime));
-    add(recorded.status);
+    stamp(std::to_string(recorded.recordNumber), false);
+    stamp(FormatStatusDate(recorded.pcTime), true);
+    stamp(FormatStatusTime(recorded.pcTime), true);
+    stamp(recorded.status, false);
     const std::string_view line = recorded.line;
-    for (size_t start = 0; start <= line.size();) {
+    for (size_t start = 0; start <= line.size() && row.cells.Size() < traceColumns;) {
       const size_t tab = std::min(line.find('\t', start), line.size());
-      add(line.substr(start, tab - start));
+      const std::string_view text = line.substr(start, tab - start);
+      row.cells.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
+                       ReadCellText(text, '.', dateColumn[row.cells.Size()]));
       start = tab + 1;
     }
-    m.grid.AddRow(std::move(row));
+    table.AddRow(std::move(row));
   }
 
-  m.props.ExportFile = how.file;
-  m.props.ExportFormat = how.format;
-  m.CommandedExport = true;  // so that the export says what it did
-  ExportFromButton(m);
-  const bool written = m.grid.DataRowCount() == 0;
-  message.clear();
-  for (const ShownMessage& shown : prompts.Messages()) {
-    if (!message.empty()) message += '\n';
-    message += shown.text;
+  // Every shown column, as the control exports when none is selected.
+  ExportRequest request;
+  request.format = how.format;
+  request.xlsx = how.xlsx;
+  request.checkWritable = true;
+  ExportSource& source = request.source;
+  source.table = &table;
+  source.files = how.files;
+  source.title = description.title;
+  source.key = description.key;
+  source.version = description.version;
+  auto stampColumn = [&source](bool shown, int column, const char* caption, ExportCellKind kind) {
+    if (!shown) return;
+    ExportColumn c;
+    c.gridColumn = column;
+    c.caption = caption;
+    c.widthTwips = kStampColumnWidth;
+    c.kind = kind;
+    source.columns.push_back(std::move(c));
+  };
+  stampColumn(how.stamps.date, kPcDateColumn, "PC Date", ExportCellKind::Date);
+  stampColumn(how.stamps.time, kPcTimeColumn, "PC Time", ExportCellKind::Time);
+  stampColumn(how.stamps.status, kStatusColumn, "PCD", ExportCellKind::General);
+  for (size_t i = 0; i < traceColumns; ++i) {
+    const HistoryColumn& h = description.columns[i];
+    ExportColumn c;
+    c.gridColumn = kFirstTraceColumn + static_cast<int>(i);
+    c.caption = h.caption;
+    c.widthTwips = h.widthTwips;
+    c.kind = ExportKindOfCode(h.displayCode);
+    c.traceColumn = true;
+    c.registerIndex = h.registerIndex;
+    c.fieldType = FieldTypeWord(FieldTypeOfWord(h.fieldType));
+    c.position = h.position;
+    c.displayCode = h.displayCode;
+    source.columns.push_back(std::move(c));
   }
-  return written;
+  std::string file = how.file.empty()
+                         ? AddTrailingSeparator(".") + std::string(DefaultExportName(how.format))
+                         : how.file;
+  file = WithDefaultExportName(file, DefaultExportName(how.format));
+  request.target = ExportTargetName(file, 0, DateTime{}, 0);
+
+  const ExportResult result = ExportTable(std::move(request));
+  message.clear();
+  auto say = [&message](const ExportMessage& m) {
+    if (!message.empty()) message += '\n';
+    message += m.text;
+  };
+  for (const ExportMessage& m : result.messages)
+    say(m);
+  say(result.outcome);
+  return result.written;
 }
 
 }  // namespace vantrel

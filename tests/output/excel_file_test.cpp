@@ -12,7 +12,6 @@
 
 #include "platform/runtime_error.h"
 #include "support/temp_dir.h"
-#include "vantrel/scripted_prompts.h"
 
 namespace vantrel {
 namespace {
@@ -39,7 +38,7 @@ class Writer : public ::testing::Test {
   Bytes Appended(Write write) {
     // A new file each time: the writer does not truncate an old one.
     const std::string path = dir.File("cells" + std::to_string(++files) + ".xls");
-    ExcelFile file(prompts, StandardExportFiles());
+    ExcelFile file(StandardExportFiles());
     file.OpenFile(path);
     write(file);
     file.CloseFile();
@@ -51,13 +50,12 @@ class Writer : public ::testing::Test {
   }
 
   testing::TempDir dir;
-  ScriptedPrompts prompts;
   int files = 0;
 };
 
 TEST_F(Writer, AFileOfFormatsOnly) {
   const std::string path = dir.File("empty.xls");
-  ExcelFile file(prompts, StandardExportFiles());
+  ExcelFile file(StandardExportFiles());
   file.OpenFile(path);
   file.CloseFile();
   const Bytes bytes = ReadAll(path);
@@ -67,7 +65,7 @@ TEST_F(Writer, AFileOfFormatsOnly) {
   // "General" first; the whole list is held byte for byte by the reference export file.
   EXPECT_EQ(Bytes(bytes.begin() + 14, bytes.begin() + 26),
             (Bytes{0x1E, 0, 8, 0, 7, 'G', 'e', 'n', 'e', 'r', 'a', 'l'}));
-  EXPECT_TRUE(prompts.Messages().empty());
+  EXPECT_TRUE(file.TakeNotices().empty());
 }
 
 TEST_F(Writer, Cells) {
@@ -113,12 +111,14 @@ TEST_F(Writer, RefusedValuesWriteNothing) {
                 EXPECT_FALSE(f.SetColumnWidth(1, 1, 128));
                 EXPECT_EQ(f.LastError(), "SetColumnWidth Error : Overflow");
                 EXPECT_EQ(f.SetRowHeight(1, 1639), 6);
+                EXPECT_TRUE(f.TakeNotices().empty()) << "cell failures are results only";
               }).empty());
-  EXPECT_TRUE(prompts.Messages().empty()) << "cell failures are silent";
-  EXPECT_EQ(Appended([](ExcelFile& f) { EXPECT_FALSE(f.SetDefaultRowHeight(1639).has_value()); }),
+  EXPECT_EQ(Appended([](ExcelFile& f) {
+              EXPECT_FALSE(f.SetDefaultRowHeight(1639).has_value());
+              EXPECT_EQ(f.TakeNotices(),
+                        std::vector<std::string>{"SetDefaultRowHeight Error : Overflow"});
+            }),
             Bytes{});
-  ASSERT_EQ(prompts.Messages().size(), 1u);
-  EXPECT_EQ(prompts.Messages()[0].text, "SetDefaultRowHeight Error : Overflow");
 }
 
 TEST_F(Writer, ALabelOver255CharactersReachesTheCaller) {
@@ -132,7 +132,7 @@ TEST_F(Writer, ALabelOver255CharactersReachesTheCaller) {
 }
 
 TEST_F(Writer, FailuresAreResults) {
-  ExcelFile file(prompts, StandardExportFiles());
+  ExcelFile file(StandardExportFiles());
   EXPECT_FALSE(file.EWriteString(1, 1, "A")) << "nothing is open yet";
   EXPECT_EQ(file.LastError(), "WriteString in Column 1 Error : Bad file name or number");
   EXPECT_FALSE(file.EWriteDouble(1, 2, 1.0, 0));
@@ -140,9 +140,9 @@ TEST_F(Writer, FailuresAreResults) {
 
   file.OpenFile(dir.File("missing/dir/x.xls"));
   EXPECT_FALSE(file.IsOpen());
-  ASSERT_EQ(prompts.Messages().size(), 1u);
-  EXPECT_EQ(prompts.Messages()[0].text,
-            "Open File : " + dir.File("missing/dir/x.xls") + " Error\r\nPath not found");
+  EXPECT_EQ(file.TakeNotices(),
+            std::vector<std::string>{"Open File : " + dir.File("missing/dir/x.xls") +
+                                     " Error\r\nPath not found"});
 }
 
 }  // namespace
