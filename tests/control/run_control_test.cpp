@@ -149,10 +149,7 @@ TEST(ReadTimer, PollsTheCounterAreaEveryIntervalWhileRunning) {
   f->SetRunMode(3);
   f->SetRunMode(2);
   f.host.ClearEvents();
-  const bool shown = f->GetSurface().activityVisible;
-  f.loop.Advance(200);
-  EXPECT_NE(f->GetSurface().activityVisible, shown) << "the activity indicator blinks";
-  f.loop.Advance(800);
+  f.loop.Advance(1000);
   const auto reads = f.host.Named("ReadPCDReg");
   ASSERT_EQ(reads.size(), 5u);
   for (const auto& r : reads)
