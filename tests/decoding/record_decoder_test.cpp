@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,9 +51,12 @@ struct DecoderFixture {
     return c;
   }
 
+  std::optional<RecordDecoder> decoder;  // one for every record, as the control keeps it
+
   bool Decode(const std::vector<int32_t>& registers, size_t first = 0) {
-    RecordDecoder decoder({description, symbols, valueTexts, clock, separator});
-    return decoder.Decode(registers, first, context, record);
+    if (!decoder)
+      decoder.emplace(DecodingTables{description, symbols, valueTexts, clock, separator});
+    return decoder->Decode(registers, first, context, record);
   }
 
   std::vector<std::string> Texts() const {
