@@ -105,6 +105,18 @@ TEST(Graph, RowsAddedWhileShownRefreshTheGraph) {
   EXPECT_EQ(f.m.chart.Value(1, 3), 10.0);
 }
 
+TEST(Graph, TableWithoutDataColumnsStaysInTableView) {
+  ModuleFixture f;
+  f.Build();
+  ClickGraphButton(f.m);
+  EXPECT_FALSE(f.m.GraphShown);
+  ASSERT_EQ(f.prompts.Messages().size(), 1u);
+  EXPECT_EQ(f.prompts.Messages()[0].text,
+            "No data columns selected for the graph !\r\rDouble-click on the data column header "
+            "to select it.");
+  EXPECT_EQ(f.prompts.Messages()[0].title, "Show graph");
+}
+
 TEST(ColumnSelection, DoubleClickTogglesOnlyAfterAHeaderPress) {
   GraphFixture f;
   f.AddRows(1);

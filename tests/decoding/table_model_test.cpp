@@ -125,6 +125,7 @@ TEST(TableModel, ClearCellsKeepsTheShapeAndSetRowCountAddsOrDropsFromTheBottom) 
   AddTexts(t, {"a", "b"});
   AddTexts(t, {"c", "d"});
   t.SetRowCount(2);
+  ASSERT_EQ(t.DataRowCount(), 1);
   EXPECT_EQ(Texts(t, 1), (Cells{"a", "b"}));
   t.ClearCells();
   EXPECT_EQ(t.Text(0, 1), "");
