@@ -13,32 +13,28 @@ using testing::Packed;
 
 const std::string kBadStart = "Invalid buffer\rCheck the start register value";
 
-TEST(StartRegister, RegisterModeUpTo8000) {
-  for (int32_t word : {0, 8000}) {
+// Register mode up to 8000, data-block mode when the high half is "D"; anything else fails.
+TEST(StartRegister, ModesAndInvalidWords) {
+  struct Case {
+    int32_t word;
+    bool ok;
+    bool dataBlock;
+    int32_t start;
+  };
+  for (const Case c : {Case{0, true, false, 0}, Case{8000, true, false, 8000},
+                       Case{0x00440064, true, true, 100}, Case{0x00450064, true, false, 100},
+                       Case{8001, false, false, 0}, Case{0x01000000, false, false, 0},
+                       Case{-1, false, false, 0}, Case{0x0044FFFF, false, false, 0}}) {
     BufferState b;
+    b.DBMode = !c.dataBlock;
     std::string err;
-    EXPECT_TRUE(CheckStartRegister(word, b, err)) << word;
-    EXPECT_FALSE(b.DBMode);
-    EXPECT_EQ(b.BufferStart, word);
-  }
-}
-
-TEST(StartRegister, DataBlockModeWhenTheHighHalfIsD) {
-  BufferState b;
-  std::string err;
-  ASSERT_TRUE(CheckStartRegister(0x00440064, b, err));
-  EXPECT_TRUE(b.DBMode);
-  EXPECT_EQ(b.BufferStart, 100);
-  ASSERT_TRUE(CheckStartRegister(0x00450064, b, err));  // "E" is not a data block
-  EXPECT_FALSE(b.DBMode);
-}
-
-TEST(StartRegister, InvalidWordsFailWithOneCarriageReturn) {
-  for (int32_t word : {8001, 0x01000000, -1, 0x0044FFFF}) {
-    BufferState b;
-    std::string err;
-    EXPECT_FALSE(CheckStartRegister(word, b, err)) << word;
-    EXPECT_EQ(err, kBadStart) << word;
+    EXPECT_EQ(CheckStartRegister(c.word, b, err), c.ok) << c.word;
+    if (c.ok) {
+      EXPECT_EQ(b.DBMode, c.dataBlock) << c.word;
+      EXPECT_EQ(b.BufferStart, c.start) << c.word;
+    } else {
+      EXPECT_EQ(err, kBadStart) << c.word;
+    }
   }
 }
 
@@ -69,18 +65,6 @@ TEST(Header, Vtl2ReadsSixteenWordsWithCommandAndExportIndex) {
   EXPECT_EQ(b.ExportIndex, 7);
 }
 
-TEST(Header, Vtl1HasAnEightWordHeaderAndNoCommandWord) {
-  BufferState b;
-  std::string err;
-  std::vector<int32_t> h = Header("VTL1", "PMP1", 1, 100);
-  h.resize(8);
-  ASSERT_TRUE(CheckHeader(h, b, err));
-  EXPECT_EQ(b.HeaderLength, 8);
-  EXPECT_EQ(b.RecordReadOffset, 8);
-  EXPECT_EQ(b.CommandWord, 0);
-  EXPECT_EQ(b.ExportIndex, 0);
-}
-
 TEST(Header, SizeLimitsDependOnTheMode) {
   struct Case {
     bool db;
@@ -100,25 +84,20 @@ TEST(Header, SizeLimitsDependOnTheMode) {
   }
 }
 
-TEST(Header, UnknownFormatAndShortKeyFail) {
+TEST(Header, UnknownFormatShortKeyAndShortVtl2HeaderFail) {
   BufferState b;
   std::string err;
   EXPECT_FALSE(CheckHeader(Header("VTL3", "PMP1", 1, 10), b, err));
   EXPECT_EQ(err, kBadStart);
   EXPECT_FALSE(CheckHeader(Header("vtl2", "PMP1", 1, 10), b, err)) << "keys are case-sensitive";
-
   std::vector<int32_t> h = Header("VTL2", "PMP1", 1, 10);
   h[1] = 0x414200;  // "\0AB\0": a key cut short
   EXPECT_FALSE(CheckHeader(h, b, err));
   EXPECT_EQ(err, "Invalid buffer\rBad key value");
   EXPECT_EQ(b.FormatKey, "VTL2") << "what was read before the failure stays";
-}
-
-TEST(Header, Vtl2ReadWithTheShortHeaderIsRefused) {
-  BufferState b;
-  std::string err;
-  std::vector<int32_t> h = Header("VTL2", "PMP1", 1, 10);
+  h = Header("VTL2", "PMP1", 1, 10);
   h.resize(8);
+  b.HeaderLength = 8;
   EXPECT_FALSE(CheckHeader(h, b, err));
   EXPECT_EQ(b.HeaderLength, 16) << "the next header read asks for the long header";
 }

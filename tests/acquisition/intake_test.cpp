@@ -23,7 +23,7 @@ std::vector<int32_t> Header(const char (&format)[5], const char (&key)[5]) {
   return header;
 }
 
-TEST(Intake, InvalidStartRegisterIsReportedAndTheStateStays) {
+TEST(Intake, InvalidStartRegisterOrHeaderIsReportedAndTheStateStays) {
   ControlFixture f;
   f->Start();
   f.host.ClearEvents();
@@ -33,17 +33,12 @@ TEST(Intake, InvalidStartRegisterIsReportedAndTheStateStays) {
   EXPECT_EQ(f->ReadState(), 1);
   Assign(*f, {8000});
   EXPECT_EQ(f->ReadState(), 2);
-}
-
-TEST(Intake, InvalidHeaderIsReportedAsElevenAndTheStateStays) {
-  ControlFixture f;
-  f->Start();
-  Assign(*f, {500});
   f.host.ClearEvents();
   Assign(*f, Header("VTL1", "AB\0\0"));
   EXPECT_EQ(f.host.Errors(), std::vector<std::string>{"11:Invalid buffer\rBad key value"});
   EXPECT_EQ(f->ReadState(), 2);
   EXPECT_TRUE(f.host.Named("Status").empty()) << "already in state 2: no Status event";
+  EXPECT_FALSE(f->GetSurface().infoButton.enabled) << "every header read disables it";
 }
 
 TEST(Intake, ShortBlocksAreReportedNotReadPastTheirEnd) {
@@ -64,14 +59,6 @@ TEST(Intake, ShortBlocksAreReportedNotReadPastTheirEnd) {
             std::vector<std::string>{"12:DataBlock too short for the counter area: 2 values "
                                      "received, 4 expected"});
   EXPECT_EQ(f->ReadState(), 3);
-}
-
-TEST(Intake, InfoButtonIsDisabledByEveryHeaderRead) {
-  ControlFixture f;
-  f->Start();
-  Assign(*f, {500});
-  Assign(*f, Header("VTL2", "PMP1"));
-  EXPECT_FALSE(f->GetSurface().infoButton.enabled);
 }
 
 }  // namespace

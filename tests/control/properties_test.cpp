@@ -20,7 +20,7 @@ struct ChangeRecorder : Container {
 };
 
 // Defaults other than zero or empty; Interval, MaxRows and MaxGraph are checked where they act.
-TEST(ControlProperties, NewControlHasTheDocumentedDefaults) {
+TEST(ControlProperties, ANewControlHasItsDefaultsAndReportsDisabledOnce) {
   ControlFixture f;
   Control& c = *f;
   EXPECT_TRUE(c.Enabled());
@@ -28,16 +28,12 @@ TEST(ControlProperties, NewControlHasTheDocumentedDefaults) {
   EXPECT_EQ(c.DisplayMode(), 1);
   EXPECT_EQ(c.GridFontName(), "Courier");
   EXPECT_EQ(c.GridFontSize(), "10");
-}
-
-TEST(ControlProperties, CreationReportsDisabledOnceAndShowsNoBufferTitle) {
-  ControlFixture f;
   EXPECT_EQ(f.host.Statuses(), std::vector<int16_t>{0});
-  EXPECT_EQ(f->GetSurface().title.caption, "No Buffer Selected");
-  EXPECT_EQ(f->GetSurface().status.caption, "Disabled");
+  EXPECT_EQ(c.GetSurface().title.caption, "No Buffer Selected");
+  EXPECT_EQ(c.GetSurface().status.caption, "Disabled");
   // An empty table with its four stamp columns exists from the start.
-  EXPECT_EQ(f->Table().ColumnCount(), 4);
-  EXPECT_EQ(f->Table().RowCount(), 1);
+  EXPECT_EQ(c.Table().ColumnCount(), 4);
+  EXPECT_EQ(c.Table().RowCount(), 1);
 }
 
 TEST(ControlProperties, EnabledOnlySettersIgnoreValuesWhileDisabled) {
@@ -85,18 +81,6 @@ TEST(ControlProperties, StampColumnsShowOrHideTheirTableColumn) {
   f->SetPCDStatusCol(true);
   EXPECT_EQ(f->Table().ColumnWidth(2), 1100);
   EXPECT_EQ(f->Table().ColumnWidth(3), 1100);
-}
-
-TEST(ControlProperties, GridFontReachesTheTableOnlyWhenRead) {
-  ControlFixture f;
-  f->SetGridFontName("DejaVu Sans Mono");
-  f->SetGridFontSize("12");
-  EXPECT_EQ(f->Table().FontName(), "Courier");
-  EXPECT_EQ(f->Table().FontSize(), 10);
-  EXPECT_EQ(f->GridFontName(), "DejaVu Sans Mono");
-  EXPECT_EQ(f->Table().FontName(), "DejaVu Sans Mono");
-  EXPECT_EQ(f->GridFontSize(), "12");
-  EXPECT_EQ(f->Table().FontSize(), 12);
 }
 
 TEST(ControlProperties, MaxRowsTrimsTheOldestRows) {

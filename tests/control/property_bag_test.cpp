@@ -12,21 +12,19 @@ namespace {
 
 using testing::ControlFixture;
 
-TEST(PropertyBag, DefaultsAreNotStored) {
+TEST(PropertyBag, OnlyChangedValuesAreStoredUnderTheirNames) {
   ControlFixture f;
   MemoryPropertyBag bag;
   f->WriteProperties(bag);
   EXPECT_TRUE(bag.Entries().empty());
-}
-
-TEST(PropertyBag, ChangedValuesAreStoredUnderTheirNames) {
-  ControlFixture f;
   f->SetResourcePath("/srv/vtl,/opt/vtl");
   f->SetInterval(250);
   f->SetDateStampCol(true);
   f->SetStartRegister(-5);
   f->SetGridFontSize("12");
-  MemoryPropertyBag bag;
+  f->SetMaxRows(100);
+  f->WriteProperties(bag);
+  f->SetMaxRows(500);  // back to its default: removed
   f->WriteProperties(bag);
   EXPECT_EQ(bag.Entries(),
             (std::vector<std::pair<std::string, std::string>>{{"ResourcePath", "/srv/vtl,/opt/vtl"},
@@ -36,17 +34,7 @@ TEST(PropertyBag, ChangedValuesAreStoredUnderTheirNames) {
                                                               {"StartRegister", "-5"}}));
 }
 
-TEST(PropertyBag, SettingAPropertyBackToItsDefaultRemovesIt) {
-  ControlFixture f;
-  MemoryPropertyBag bag;
-  f->SetMaxRows(100);
-  f->WriteProperties(bag);
-  ASSERT_TRUE(bag.Contains("MaxRows"));
-  f->SetMaxRows(500);
-  f->WriteProperties(bag);
-  EXPECT_FALSE(bag.Contains("MaxRows"));
-}
-
+// Every property set away from its default is read back: written again, it gives the same bag.
 TEST(PropertyBag, RoundTripRestoresEveryProperty) {
   ControlFixture a;
   a->SetResourcePath("/r");
@@ -70,30 +58,16 @@ TEST(PropertyBag, RoundTripRestoresEveryProperty) {
   a->SetSelColumn("4,6");
   MemoryPropertyBag bag;
   a->WriteProperties(bag);
+  ASSERT_EQ(bag.Entries().size(), 19u);
 
   ControlFixture b;
   b.host.ClearEvents();
   b->ReadProperties(bag);
-  EXPECT_EQ(b->ResourcePath(), "/r");
-  EXPECT_EQ(b->ProjectPath(), "/p");
-  EXPECT_EQ(b->UserFile(), "u.vtlr");
-  EXPECT_EQ(b->SymbFile(), "s.sy6");
-  EXPECT_EQ(b->Interval(), 300);
-  EXPECT_EQ(b->DisplayMode(), 2);
-  EXPECT_EQ(b->GridFontName(), "Mono");
-  EXPECT_EQ(b->GridFontSize(), "9");
-  EXPECT_TRUE(b->DateStampCol());
-  EXPECT_TRUE(b->TimeStampCol());
-  EXPECT_TRUE(b->PCDStatusCol());
-  EXPECT_EQ(b->PCDStatus(), 3);
-  EXPECT_EQ(b->StartRegister(), 1000);
-  EXPECT_EQ(b->MaxRows(), 77);
-  EXPECT_EQ(b->MaxGraph(), 40);
-  EXPECT_EQ(b->ExportFile(), "/tmp/t.xls");
-  EXPECT_TRUE(b->AutoExport());
-  EXPECT_EQ(b->IndexFile(), 2);
-  EXPECT_EQ(b->SelColumn(), "4,6");
   EXPECT_TRUE(b.host.events.empty()) << "loading must not run setters or raise events";
+  MemoryPropertyBag again;
+  b->WriteProperties(again);
+  EXPECT_EQ(again.Entries(), bag.Entries());
+  EXPECT_EQ(b->SelColumn(), "4,6");
 }
 
 TEST(PropertyBag, LoadingARunningModeDoesNotStartAcquisition) {
@@ -154,12 +128,6 @@ TEST(FilePropertyBag, ReportsBadLinesWithTheirNumbersAndKeepsTheRest) {
   EXPECT_EQ(badLines, (std::vector<int>{3, 4, 5, 6}));
   EXPECT_EQ(std::get<int32_t>(bag.ReadProperty("Interval", int32_t{1000})), 250);
   EXPECT_EQ(std::get<int32_t>(bag.ReadProperty("MaxRows", int32_t{500})), 9);
-}
-
-TEST(FilePropertyBag, MissingFileIsAnEmptyBag) {
-  FilePropertyBag bag;
-  EXPECT_TRUE(bag.Load("/nonexistent/dir/control.properties"));
-  EXPECT_TRUE(bag.Entries().empty());
 }
 
 }  // namespace

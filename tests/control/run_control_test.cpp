@@ -61,23 +61,15 @@ TEST(StatusLine, StartAsksForTheStartRegisterAndWaits) {
             (std::vector<RecordedEvent>{{"Status", {1}, ""}, {"ReadPCDReg", {100, 1}, ""}}));
 }
 
-TEST(StatusLine, StartDoesNothingWhileDisabled) {
+TEST(StatusLine, StartAndDataBlocksDoNothingWhileDisabled) {
   ControlFixture f;
   f->SetEnabled(false);
   f.host.ClearEvents();
   f->Start();
+  const int32_t word = 1000;
+  f->SetDataBlock(std::span(&word, 1));
   EXPECT_TRUE(f.host.events.empty());
   EXPECT_EQ(f->ReadState(), 0);
-}
-
-TEST(StatusLine, PauseAndStopTexts) {
-  PointerRead f;
-  f->SetRunMode(1);
-  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode paused");
-  EXPECT_EQ(f->ReadState(), 3);
-  f->SetRunMode(0);
-  EXPECT_EQ(f->GetSurface().status.caption, "Stoped");
-  EXPECT_EQ(f->ReadState(), 2);
 }
 
 TEST(RunMode, RunBeforeThePointerIsReadFallsBackToStop) {
@@ -92,7 +84,7 @@ TEST(RunMode, RunBeforeThePointerIsReadFallsBackToStop) {
   EXPECT_EQ(f->RunMode(), 0);
 }
 
-// Read once shows "runing", run mode 2 "running".
+// Read once shows "runing" and ends paused, run mode 2 shows "running".
 TEST(RunMode, ReadOnceReadsTheCounterAreaOnceAndEndsPaused) {
   PointerRead f;
   f->SetRunMode(3);
@@ -105,11 +97,16 @@ TEST(RunMode, ReadOnceReadsTheCounterAreaOnceAndEndsPaused) {
   EXPECT_EQ(f.host.Named("ReadPCDReg").size(), 1u);
   f->SetRunMode(2);
   EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode running");
+  f->SetRunMode(0);
+  EXPECT_EQ(f->GetSurface().status.caption, "Stoped");
+  EXPECT_EQ(f->ReadState(), 2);
 }
 
-TEST(RunMode, SettingTheCurrentValueDoesNothing) {
+TEST(RunMode, PauseAndSettingTheCurrentValueAgain) {
   PointerRead f;
   f->SetRunMode(1);
+  EXPECT_EQ(f->GetSurface().status.caption, "Refresh mode paused");
+  EXPECT_EQ(f->ReadState(), 3);
   f.host.ClearEvents();
   const std::string before = f->GetSurface().status.caption;
   f->SetEnabled(true);  // idle update does nothing outside run mode 0
@@ -162,58 +159,6 @@ TEST(ReadTimer, PollsTheCounterAreaEveryIntervalWhileRunning) {
   f.loop.Advance(1000);
   EXPECT_TRUE(f.host.Named("ReadPCDReg").empty());
   EXPECT_FALSE(f->GetSurface().activityVisible);
-}
-
-TEST(ReadTimer, ActivityIndicatorBlinksWithTheTimer) {
-  PointerRead f;
-  f->SetInterval(100);
-  f->SetRunMode(3);
-  f->SetRunMode(2);
-  const bool first = f->GetSurface().activityVisible;
-  f.loop.Advance(100);
-  EXPECT_NE(f->GetSurface().activityVisible, first);
-  f.loop.Advance(100);
-  EXPECT_EQ(f->GetSurface().activityVisible, first);
-}
-
-TEST(ReadRequests, DataBlockModeUsesTheDataBlockEventAfterTheStartRegister) {
-  ControlFixture f;
-  f.host.image.registers[kStartRegister] = 0x00440064;  // "D", data block 100
-  const int32_t header[16] = {Packed("VTL2"), Packed("PMP1"), 1, 16383};
-  for (int i = 0; i < 16; ++i)
-    f.host.image.dataBlocks[100][i] = header[i];
-  f.host.answer = Answer::Inside;
-  f->SetStartRegister(kStartRegister);
-  f->Start();
-  f->SetRunMode(2);
-  f->SetRunMode(0);
-  f->SetRunMode(3);
-  EXPECT_EQ(f.host.Named("ReadPCDReg"), (std::vector<RecordedEvent>{{"ReadPCDReg", {100, 1}, ""}}));
-  EXPECT_EQ(f.host.Named("ReadPCDDB"),
-            (std::vector<RecordedEvent>{{"ReadPCDDB", {100, 0, 16}, ""},
-                                        {"ReadPCDDB", {100, 4, 4}, ""}}));
-  EXPECT_EQ(f->BufferLen(), 16383) << "16383 is the largest data-block buffer";
-}
-
-TEST(ReadRequests, AnswersMayArriveAfterTheEvent) {
-  ControlFixture f;
-  WriteBuffer(f.host.image);
-  f.host.answer = Answer::Later;
-  f->SetStartRegister(kStartRegister);
-  f->Start();
-  EXPECT_EQ(f->ReadState(), 1);
-  EXPECT_EQ(f.host.AnswerPending(), 1);
-  EXPECT_EQ(f->ReadState(), 2);
-  EXPECT_EQ(f->GetSurface().status.caption, "Stoped");
-}
-
-TEST(ReadRequests, DataBlockWhileDisabledStateChangesNothing) {
-  ControlFixture f;
-  f.host.ClearEvents();
-  const int32_t word = 1000;
-  f->SetDataBlock(std::span(&word, 1));
-  EXPECT_EQ(f->ReadState(), 0);
-  EXPECT_TRUE(f.host.events.empty());
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/runtime_error.h"
-#include "vantrel/surface.h"
 
 namespace vantrel {
 namespace {
@@ -118,68 +117,26 @@ TEST(TableModel, OutOfRangeCellsAreTrappedErrors) {
   EXPECT_THROW(t.SetSelected(2, true), RuntimeError);
 }
 
-TEST(TableModel, ClearCellsEmptiesTextsButKeepsTheShape) {
+TEST(TableModel, ClearCellsKeepsTheShapeAndSetRowCountAddsOrDropsFromTheBottom) {
   TableModel t;
   t.SetColumnCount(2);
   t.SetText(0, 1, "Caption");
   t.SetColumnWidth(1, 900);
   AddTexts(t, {"a", "b"});
+  AddTexts(t, {"c", "d"});
+  t.SetRowCount(2);
+  ASSERT_EQ(t.DataRowCount(), 1);
+  EXPECT_EQ(Texts(t, 1), (Cells{"a", "b"}));
   t.ClearCells();
-  EXPECT_EQ(t.RowCount(), 2);
   EXPECT_EQ(t.Text(0, 1), "");
   EXPECT_EQ(Texts(t, 1), (Cells{"", ""}));
   EXPECT_EQ(t.Row(1).Number(1), std::nullopt);
   EXPECT_EQ(t.ColumnWidth(1), 900);
-}
-
-TEST(TableModel, SetRowCountAddsEmptyRowsOrDropsFromTheBottom) {
-  TableModel t;
-  t.SetColumnCount(1);
-  AddTexts(t, {"a"});
-  AddTexts(t, {"b"});
-  t.SetRowCount(2);
-  EXPECT_EQ(t.DataRowCount(), 1);
-  EXPECT_EQ(t.Text(1, 0), "a");
   t.SetRowCount(4);
   EXPECT_EQ(t.DataRowCount(), 3);
   EXPECT_EQ(t.Text(3, 0), "");
   t.SetRowCount(0);
   EXPECT_EQ(t.RowCount(), 1);
-}
-
-TEST(TableModel, TheSelectionIsASetOfColumnsShownAsAYellowHeader) {
-  TableModel t;
-  Recorder r;
-  t.SetColumnCount(3);
-  t.AddObserver(&r);
-  t.SetSelected(2, true);
-  EXPECT_TRUE(t.Selected(2));
-  EXPECT_FALSE(t.Selected(1));
-  EXPECT_EQ(t.HeaderBackColor(2), kColorYellow);
-  EXPECT_EQ(t.HeaderBackColor(1), 0);
-  t.SetSelected(2, false);
-  EXPECT_EQ(t.HeaderBackColor(2), 0);
-}
-
-TEST(CellRow, CellsAppendedFromAnotherRowKeepTheirTextsAndReadings) {
-  CellRow stamps;
-  stamps.Append("7", {}, 7, CellValue::Integer(7), {7.0, 7.0, std::nullopt});
-  CellRow traced;
-  traced.Append("Auto", "by hand", 2, CellValue::Text(), {});
-  traced.Append("15/11/26", {}, 0, CellValue::Timestamp(46341.0), {std::nullopt, 0, 46341.0});
-  stamps.AppendAll(traced);
-  ASSERT_EQ(stamps.Size(), 3u);
-  EXPECT_EQ(stamps.Text(1), "Auto");
-  EXPECT_EQ(stamps.Comment(1), "by hand");
-  EXPECT_EQ(stamps.Comment(2), "");
-  EXPECT_EQ(stamps.Text(2), "15/11/26");
-  EXPECT_EQ(stamps.Serial(2), 46341.0);
-  EXPECT_EQ(stamps.Value(2).kind, ValueKind::Timestamp);
-  EXPECT_EQ(stamps.Value(0).integer, 7);
-  stamps.Resize(2);
-  EXPECT_EQ(stamps.Text(1), "Auto");
-  stamps.Append("x", "y", 0, {}, {});
-  EXPECT_EQ(stamps.Comment(2), "y");
 }
 
 }  // namespace
