@@ -36,36 +36,6 @@ void RecordingHost::Deliver(std::vector<int32_t> block) {
   }
 }
 
-void RecordingHost::ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) {
-  events.push_back({"ReadPCDReg", {RegisterNumber, NumberToRead}, {}});
-  Deliver(image.Read(RegisterNumber, NumberToRead));
-}
-
-void RecordingHost::ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) {
-  events.push_back({"ReadPCDDB", {DBNumber, DBOffset, NumberToRead}, {}});
-  Deliver(image.ReadDB(DBNumber, DBOffset, NumberToRead));
-}
-
-void RecordingHost::ModulError(int16_t ErrType, std::string_view ErrMessage) {
-  events.push_back({"ModulError", {ErrType}, std::string(ErrMessage)});
-}
-
-void RecordingHost::OutputLine(std::string_view DataLine) {
-  events.push_back({"OutputLine", {}, std::string(DataLine)});
-}
-
-void RecordingHost::Status(int16_t ReadStatus) {
-  events.push_back({"Status", {ReadStatus}, {}});
-}
-
-void RecordingHost::PCDCmd(int16_t Cmd) {
-  events.push_back({"PCDCmd", {Cmd}, {}});
-}
-
-void RecordingHost::NewExportFile() {
-  events.push_back({"NewExportFile", {}, {}});
-}
-
 int RecordingHost::AnswerPending() {
   const auto blocks = std::exchange(pending_, {});
   for (const auto& block : blocks)
