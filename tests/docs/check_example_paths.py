@@ -10,6 +10,8 @@ import pathlib
 import re
 import sys
 
+from check_reference import report
+
 GUIDES = ["docs/description-files.md", "docs/controller-side.md", "docs/embedding.md",
           "examples/walkthrough/README.md", "README.md"]
 PATH = re.compile(r"examples/[A-Za-z0-9_./-]*[A-Za-z0-9_/-]")
@@ -19,26 +21,21 @@ def main():
     source = pathlib.Path(sys.argv[1])
     failures = []
     for guide in GUIDES:
-        text = (source / guide).read_text(encoding="utf-8")
         paths = set()
-        for number, line in enumerate(text.split("\n"), start=1):
+        for number, line in enumerate((source / guide).read_text("utf-8").split("\n"), 1):
             for match in PATH.finditer(line):
                 # "examples/..." inside a longer path (build/examples/...) is not ours.
                 if match.start() > 0 and line[match.start() - 1] not in " `(\"'[=:,":
                     continue
                 path = match.group(0).rstrip("/")
                 paths.add(path)
-                exists = (source / path).exists()
-                if not exists and path.endswith(".vtld"):
-                    exists = (source / path[:-1]).is_file()
-                if not exists:
+                if not (source / path).exists() and \
+                        not (path.endswith(".vtld") and (source / path[:-1]).is_file()):
                     failures.append(f"{guide}:{number}: {path} does not exist")
         if not paths:
             failures.append(f"{guide}: names no examples/ path at all")
         print(f"{guide}: {len(paths)} example paths")
-    for failure in failures:
-        print(failure)
-    return 1 if failures else 0
+    return report(failures, f"{len(failures)} failures")
 
 
 if __name__ == "__main__":

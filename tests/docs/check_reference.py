@@ -15,6 +15,7 @@ usage: check_reference.py VANTREL SOURCE_DIR
 
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -22,17 +23,21 @@ import sys
 import tempfile
 
 DOCS = ["docs/description-files.md", "docs/controller-side.md"]
+STAMP = re.compile(r"\b\d\d/\d\d/\d\d \d\d:\d\d:\d\d\b")
 
 
-def normalise(text):
-    text = text.replace("\r\n", "\n").replace("\r", "\n")
-    lines = [line.rstrip() for line in text.split("\n")]
+def normalise(text, stamps=False):
+    """Lines without trailing blanks or trailing empty lines; with `stamps`, every time stamp
+    (dd/mm/yy hh:mm:ss) replaced by <stamp>."""
+    lines = [line.rstrip() for line in text.replace("\r\n", "\n").replace("\r", "\n").split("\n")]
+    if stamps:
+        lines = [STAMP.sub("<stamp>", line) for line in lines]
     while lines and not lines[-1]:
         lines.pop()
     return lines
 
 
-def sessions(markdown, normalise=normalise):
+def sessions(markdown, stamps=False):
     """(line number, command, expected output lines) for every command of every console block,
     the output made comparable by `normalise`."""
     commands = []
@@ -40,14 +45,24 @@ def sessions(markdown, normalise=normalise):
     for number, line in enumerate(markdown.split("\n"), start=1):
         if line.startswith("```"):
             inside = line.strip() == "```console"
-            continue
-        if not inside:
-            continue
-        if line.startswith("$ "):
+        elif inside and line.startswith("$ "):
             commands.append([number, line[2:], []])
-        elif commands:
+        elif inside and commands:
             commands[-1][2].append(line)
-    return [(n, c, normalise("\n".join(out))) for n, c, out in commands]
+    return [(n, c, normalise("\n".join(out), stamps)) for n, c, out in commands]
+
+
+def printed(result, stamps=False):
+    """What a finished command printed, standard error first, made comparable."""
+    return normalise(result.stderr.decode("utf-8", "replace") +
+                     result.stdout.decode("utf-8", "replace"), stamps)
+
+
+def report(failures, summary):
+    for failure in failures:
+        print(failure)
+    print(summary)
+    return 1 if failures else 0
 
 
 def main():
@@ -62,10 +77,8 @@ def main():
                            check=True, stdout=subprocess.DEVNULL)
 
         checked = set()
-        found = [(doc, number, command, expected)
-                 for doc in DOCS
-                 for number, command, expected in sessions(
-                     (source / doc).read_text(encoding="utf-8"))]
+        found = [(doc, number, command, expected) for doc in DOCS
+                 for number, command, expected in sessions((source / doc).read_text("utf-8"))]
         for doc, number, command, expected in found:
             words = shlex.split(command)
             if not words or words[0] != "vantrel":
@@ -73,9 +86,8 @@ def main():
                 continue
             if len(words) > 2 and words[1] == "check":
                 checked.add(os.path.normpath(words[2]))
-            result = subprocess.run([vantrel] + words[1:], cwd=root, capture_output=True)
-            actual = normalise(result.stderr.decode("utf-8", "replace") +
-                               result.stdout.decode("utf-8", "replace"))
+            actual = printed(subprocess.run([vantrel] + words[1:], cwd=root,
+                                            capture_output=True))
             if actual != expected:
                 failures.append(f"{doc}:{number}: `{command}` printed\n  " +
                                 "\n  ".join(actual) + "\nand the reference shows\n  " +
@@ -84,10 +96,9 @@ def main():
         # Every file of the reference is loaded by one of its commands.
         for path in sorted(reference.rglob("*")):
             relative = str(path.relative_to(root))
-            suffix = path.suffix
-            if suffix == ".vtl":
+            if path.suffix == ".vtl":
                 wanted = {relative, relative + "d"}
-            elif suffix in (".vtlr", ".VTLD"):
+            elif path.suffix in (".vtlr", ".VTLD"):
                 wanted = {relative}
             else:
                 continue
@@ -96,10 +107,7 @@ def main():
 
     if len(found) < 20:
         failures.append(f"only {len(found)} commands found; the console blocks are lost")
-    for failure in failures:
-        print(failure)
-    print(f"{len(found)} commands compared, {len(failures)} failures")
-    return 1 if failures else 0
+    return report(failures, f"{len(found)} commands compared, {len(failures)} failures")
 
 
 if __name__ == "__main__":

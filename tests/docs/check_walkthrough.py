@@ -29,20 +29,11 @@ import subprocess
 import sys
 import tempfile
 
-from check_reference import sessions
+from check_reference import printed, report, sessions
 
 README = "examples/walkthrough/README.md"
-STAMP = re.compile(r"\b\d\d/\d\d/\d\d \d\d:\d\d:\d\d\b")
 ASSIGNMENT = re.compile(r"^[A-Z_][A-Z0-9_]*=")
 PICTURE = re.compile(r"!\[[^\]]*\]\(([^)\s]+)\)")
-
-
-def normalise(text):
-    text = text.replace("\r\n", "\n").replace("\r", "\n")
-    lines = [STAMP.sub("<stamp>", line.rstrip()) for line in text.split("\n")]
-    while lines and not lines[-1]:
-        lines.pop()
-    return lines
 
 
 def split_command(command):
@@ -55,18 +46,12 @@ def split_command(command):
     return env, words
 
 
-def option_value(words, option):
-    return words[words.index(option) + 1] if option in words[:-1] else None
-
-
 def enciphered_copy_is_current(vantrel, folder, scratch):
     """The kept .vtld of every .vtl in `folder` equals a fresh encipherment of it."""
-    failures = []
     fresh = scratch / "fresh"
     fresh.mkdir()
     plains = sorted(folder.glob("*.vtl"))
-    if not plains:
-        failures.append(f"{folder}: no description (.vtl) to check")
+    failures = [] if plains else [f"{folder}: no description (.vtl) to check"]
     for plain in plains:
         kept = plain.with_suffix(".vtld")
         if not kept.is_file():
@@ -82,25 +67,23 @@ def enciphered_copy_is_current(vantrel, folder, scratch):
 
 
 def main():
-    vantrel = os.path.abspath(sys.argv[1])
-    source = pathlib.Path(sys.argv[2])
+    vantrel, source = os.path.abspath(sys.argv[1]), pathlib.Path(sys.argv[2])
     viewer = os.path.abspath(sys.argv[3]) if len(sys.argv) > 3 else None
-    failures = []
     ran = {"check": 0, "crypt": 0, "run": 0, "viewer": 0}
     skipped = 0
     with tempfile.TemporaryDirectory(prefix="vantrel-walk-") as scratch_name:
         scratch = pathlib.Path(scratch_name)
         folder = scratch / "oven"
         shutil.copytree(source / "examples" / "walkthrough", folder)
-        failures += enciphered_copy_is_current(vantrel, source / "examples" / "walkthrough",
-                                               scratch)
+        failures = enciphered_copy_is_current(vantrel, source / "examples" / "walkthrough",
+                                              scratch)
 
         markdown = (source / README).read_text(encoding="utf-8")
-        for link in PICTURE.findall(markdown):
-            if not ((source / README).parent / link).is_file():
-                failures.append(f"{README}: the picture {link} does not exist")
+        failures += [f"{README}: the picture {link} does not exist"
+                     for link in PICTURE.findall(markdown)
+                     if not ((source / README).parent / link).is_file()]
 
-        found = sessions(markdown, normalise)
+        found = sessions(markdown, stamps=True)
         for number, command, expected in found:
             where = f"{README}:{number}"
             assignments, words = split_command(command)
@@ -111,25 +94,22 @@ def main():
             if is_viewer and viewer is None:
                 skipped += 1
                 continue
-            env = dict(os.environ, HOME=str(scratch), XDG_CONFIG_HOME=str(scratch / "config"))
-            env.update(assignments)
-            program = viewer if is_viewer else vantrel
+            env = {**os.environ, "HOME": str(scratch),
+                   "XDG_CONFIG_HOME": str(scratch / "config"), **assignments}
             try:
-                result = subprocess.run([program] + words[1:], cwd=folder, env=env,
-                                        capture_output=True, timeout=120)
+                result = subprocess.run([viewer if is_viewer else vantrel] + words[1:],
+                                        cwd=folder, env=env, capture_output=True, timeout=120)
             except subprocess.TimeoutExpired:
                 failures.append(f"{where}: `{command}` did not finish within 120 s")
                 continue
-            actual = normalise(result.stderr.decode("utf-8", "replace") +
-                               result.stdout.decode("utf-8", "replace"))
-            shown = "\n  ".join(actual)
-            wanted = "\n  ".join(expected)
+            actual = printed(result, stamps=True)
+            shown, wanted = "\n  ".join(actual), "\n  ".join(expected)
 
             if is_viewer:
                 ran["viewer"] += 1
-                picture = option_value(words, "--screenshot")
-                missing = [line for line in expected if line not in actual]
-                if result.returncode != 0 or missing:
+                picture = (words[words.index("--screenshot") + 1]
+                           if "--screenshot" in words[:-1] else None)
+                if result.returncode != 0 or any(line not in actual for line in expected):
                     failures.append(f"{where}: `{command}` exited with {result.returncode} "
                                     f"and printed\n  {shown}\nwhere the README shows\n  {wanted}")
                 elif picture is None:
@@ -149,22 +129,17 @@ def main():
                 failures.append(f"{where}: `{command}` exited with {result.returncode}")
             if subcommand == "run":
                 # The first tabbed line is the header; the tabbed lines after it are rows.
-                table = [line for line in actual if "\t" in line]
-                rows = table[1:]
+                rows = [line for line in actual if "\t" in line][1:]
                 if result.returncode != 0 or not rows:
                     failures.append(f"{where}: `{command}` exited with {result.returncode} "
                                     f"after {len(rows)} data rows")
 
-    for step in ("check", "crypt", "run"):
-        if ran[step] == 0:
-            failures.append(f"{README}: no `vantrel {step}` command is shown")
+    failures += [f"{README}: no `vantrel {step}` command is shown"
+                 for step in ("check", "crypt", "run") if ran[step] == 0]
     if viewer is not None and ran["viewer"] == 0:
         failures.append(f"{README}: no `vantrel-viewer` command is shown")
-    for failure in failures:
-        print(failure)
-    print(f"{len(found)} commands found, {len(found) - skipped} run "
-          f"({skipped} viewer commands skipped), {len(failures)} failures")
-    return 1 if failures else 0
+    return report(failures, f"{len(found)} commands found, {len(found) - skipped} run "
+                            f"({skipped} viewer commands skipped), {len(failures)} failures")
 
 
 if __name__ == "__main__":

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -68,46 +68,38 @@ std::vector<Step> ReadSteps() {
 
 // What each word of the buffer holds, as the guide labels it.
 std::string Label(int word, const hosts::TraceProgram& program) {
-  static const std::map<int, std::string> kHeader = {
-      {0, "word 0: format"},          {1, "word 1: buffer key"},      {2, "word 2: version"},
-      {3, "word 3: buffer length"},   {4, "word 4: records written"}, {5, "word 5: write index"},
-      {6, "word 6: (not used)"},      {7, "word 7: ring size"},       {8, "word 8: command"},
-      {9, "word 9: (not used)"},      {10, "word 10: export index"},  {11, "word 11: (not used)"},
-      {12, "word 12: string lengths"}};
-  const int header = program.HeaderLength();
-  if (word < header) {
-    const auto found = kHeader.find(word);
-    return found != kHeader.end() ? found->second : "word " + std::to_string(word) + ": (not used)";
+  static const char* const kHeader[] = {
+      "format",       "buffer key", "version",       "buffer length", "records written",
+      "write index",  "(not used)", "ring size",     "command",       "(not used)",
+      "export index", "(not used)", "string lengths"};
+  if (word < program.HeaderLength()) {
+    return "word " + std::to_string(word) + ": " +
+           (word < static_cast<int>(std::size(kHeader)) ? kHeader[word] : "(not used)");
   }
-  const int slot = (word - header) / program.RecordLength();
-  const int reg = (word - header) % program.RecordLength();
+  const int slot = (word - program.HeaderLength()) / program.RecordLength();
+  const int reg = (word - program.HeaderLength()) % program.RecordLength();
   return "slot " + std::to_string(slot) + ", register " + std::to_string(reg);
-}
-
-std::string Text(int32_t word) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8)
-    text += static_cast<char>((static_cast<uint32_t>(word) >> shift) & 0xFF);
-  return text;
 }
 
 std::string Image(const hosts::RegisterSpace& space, const hosts::TraceProgram& program) {
   const hosts::TraceProgramConfig& c = program.Config();
   char line[128];
-  std::string image;
   std::snprintf(line, sizeof line, "R %-5d %-11d start register\n", c.startRegister,
                 space.Register(c.startRegister));
-  image += line;
+  std::string image = line;
   const int words = program.HeaderLength() + program.RecordLength() * c.ringRecords;
   for (int w = 0; w < words; ++w) {
     const int32_t value = space.Register(c.bufferStart + w);
     std::string shown = std::to_string(value);
-    if (w == 0 || w == 1) {
+    std::string label = Label(w, program);
+    if (w == 0 || w == 1) {  // packed characters: in hexadecimal, and as text
       std::snprintf(line, sizeof line, "0x%08X", static_cast<uint32_t>(value));
       shown = line;
+      label += " \"";
+      for (int shift = 24; shift >= 0; shift -= 8)
+        label += static_cast<char>((static_cast<uint32_t>(value) >> shift) & 0xFF);
+      label += "\"";
     }
-    std::string label = Label(w, program);
-    if (w == 0 || w == 1) label += " \"" + Text(value) + "\"";
     std::snprintf(line, sizeof line, "R %-5d %-11s %s\n", c.bufferStart + w, shown.c_str(),
                   label.c_str());
     image += line;

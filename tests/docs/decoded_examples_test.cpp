@@ -8,6 +8,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "acquisition/string_columns.h"
@@ -54,26 +55,16 @@ std::vector<std::string> Split(const std::string& text, const std::string& separ
   }
 }
 
-void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
-  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-    text.replace(at, from.size(), to);
-}
-
 // A table cell as the code sees it: code spans unwrapped, "␣" a blank, "␡" the character
 // 127, "(empty)" nothing.
 std::string CellText(const std::string& cell) {
-  std::string out;
-  bool inCode = false;
-  for (char c : Trim(cell)) {
-    if (c == '`') {
-      inCode = !inCode;
-      continue;
-    }
-    out.push_back(c);
+  std::string out = Trim(cell);
+  std::erase(out, '`');
+  for (const auto& [from, to] :
+       {std::pair<std::string, std::string>{"␣", " "}, {"␡", "\x7F"}, {"(empty)", ""}}) {
+    for (size_t at = out.find(from); at != std::string::npos; at = out.find(from, at + to.size()))
+      out.replace(at, from.size(), to);
   }
-  ReplaceAll(out, "␣", " ");
-  ReplaceAll(out, "␡", "\x7F");
-  ReplaceAll(out, "(empty)", "");
   return out;
 }
 

@@ -53,19 +53,15 @@ subcommand_part() {
 }
 
 failures=0
-# contains TEXT WORD: WORD stands on its own in TEXT (not as part of a longer option).
-contains() {
-  grep -qE -- "(^|[^A-Za-z0-9_-])$2([^A-Za-z0-9_-]|\$)" <<<"$1"
-}
-expect_names() {  # expect_names WHERE TEXT NAMES...
-  local where="$1" text="$2"
+# expect_names WHERE TEXT NAMES...: each NAME stands on its own in TEXT (not as part of a
+# longer option).
+expect_names() {
+  local where="$1" text="$2" word
   shift 2
-  local word
   for word in "$@"; do
-    if ! contains "$text" "$word"; then
-      echo "FAIL: $where: $word is in --help but not in the manual page" >&2
-      failures=$((failures + 1))
-    fi
+    grep -qE -- "(^|[^A-Za-z0-9_-])$word([^A-Za-z0-9_-]|\$)" <<<"$text" && continue
+    echo "FAIL: $where: $word is in --help but not in the manual page" >&2
+    failures=$((failures + 1))
   done
 }
 
@@ -100,8 +96,6 @@ if ((failures)); then
   echo "$failures names missing from $page" >&2
   exit 1
 fi
-if ((${#subcommands[@]})); then
-  echo "$page documents all ${#subcommands[@]} subcommands and $checked option and positional names"
-else
-  echo "$page documents all $checked option and positional names"
-fi
+listed=""
+((${#subcommands[@]} == 0)) || listed="${#subcommands[@]} subcommands and "
+echo "$page documents all $listed$checked option and positional names"

@@ -57,16 +57,10 @@ fail() {
 contents="$(dpkg-deb -c "$deb" | awk '{ print $6 }')"
 # The programs, the manual pages, the example description, the changelog and the copyright
 # file are checked below where they are used; the headers, after this list.
-for path in \
-  ./usr/lib/libvantrel.a ./usr/lib/libvantrel_hosts.a ./usr/lib/libvantrel_xlsx.a \
-  ./usr/lib/libvantrel_history.a ./usr/lib/libvantrel_postgres.a ./usr/lib/libvantrel_modbus.a \
-  ./usr/lib/libvantrel_qt.a \
-  ./usr/lib/cmake/Vantrel/VantrelConfig.cmake ./usr/lib/cmake/Vantrel/VantrelConfigVersion.cmake \
-  ./usr/lib/cmake/Vantrel/VantrelTargets.cmake ./usr/lib/cmake/Vantrel/VantrelXlsxTargets.cmake \
-  ./usr/lib/cmake/Vantrel/VantrelHistoryTargets.cmake ./usr/lib/cmake/Vantrel/VantrelPostgresTargets.cmake \
-  ./usr/lib/cmake/Vantrel/VantrelModbusTargets.cmake ./usr/lib/cmake/Vantrel/VantrelQtTargets.cmake \
-  ./usr/share/vantrel/examples/pumps_symbols.sym ./usr/share/vantrel/examples/pumps_controller.ini \
-  ./usr/share/doc/vantrel/README.md ./usr/share/doc/vantrel/LICENSE; do
+for path in ./usr/lib/libvantrel{,_hosts,_xlsx,_history,_postgres,_modbus,_qt}.a \
+  ./usr/lib/cmake/Vantrel/Vantrel{Config,ConfigVersion,Targets}.cmake \
+  ./usr/lib/cmake/Vantrel/Vantrel{Xlsx,History,Postgres,Modbus,Qt}Targets.cmake \
+  ./usr/share/vantrel/examples/pumps_{symbols.sym,controller.ini} ./usr/share/doc/vantrel/{README.md,LICENSE}; do
   grep -qxF -- "$path" <<<"$contents" || fail "the package has no $path"
 done
 # Every public header of the source tree is in the package.

@@ -43,12 +43,6 @@ struct Host : vantrel::ControlEvents {
   }
 };
 
-bool StartsWithZipSignature(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  char magic[2] = {};
-  return file.read(magic, 2) && magic[0] == 'P' && magic[1] == 'K';
-}
-
 int Fail(const std::string& why) {
   std::fprintf(stderr, "export consumer: %s\n", why.c_str());
   return 1;
@@ -110,7 +104,10 @@ int main(int argc, char** argv) {
                  message.text.c_str());
   }
   if (!std::filesystem::is_regular_file(workbook)) return Fail(workbook + " was not written");
-  if (!StartsWithZipSignature(workbook)) return Fail(workbook + " does not start with PK");
+  std::ifstream file(workbook, std::ios::binary);
+  char magic[2] = {};
+  if (!file.read(magic, 2) || magic[0] != 'P' || magic[1] != 'K')
+    return Fail(workbook + " does not start with PK");
   std::printf("installed hosts and xlsx libraries work: %d rows, exported to %s\n", host.rows,
               workbook.c_str());
   return 0;

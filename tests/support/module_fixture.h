@@ -46,24 +46,18 @@ struct ModuleFixture {
 
   void Build() { BuildGrid(m); }
 
-  // Trace cells of these texts, each read as the cells of its table column are.
-  CellRow TextCells(const std::vector<std::string>& texts) const {
+  // Appends a record row of these texts, each read as the cells of its table column are.
+  void AddTextRow(const std::vector<std::string>& texts) {
     CellRow cells;
     for (size_t i = 0; i < texts.size(); ++i) {
       const int column = kFirstTraceColumn + static_cast<int>(i);
-      bool date = false;
-      if (column < m.grid.ColumnCount()) {
-        const auto definition = static_cast<size_t>(m.grid.ColumnData(column));
-        date = IsDateKind(ExportKindOfCode(m.description.Columns[definition].DisplayCode));
-      }
+      const bool date =
+          column < m.grid.ColumnCount() &&
+          IsDateKind(ExportKindOfCode(
+              m.description.Columns[static_cast<size_t>(m.grid.ColumnData(column))].DisplayCode));
       cells.Append(texts[i], {}, 0, CellValue::Text(),
                    ReadCellText(texts[i], m.decimalSeparator, date));
     }
-    return cells;
-  }
-  // Appends a record row of these texts.
-  void AddTextRow(const std::vector<std::string>& texts) {
-    CellRow cells = TextCells(texts);
     AddRecordRow(m, cells);
   }
   // Stamps the next rows with the clock's time moved to `hour`:`minute`:`second`.

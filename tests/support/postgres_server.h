@@ -24,8 +24,7 @@ class PostgresServer {
     std::filesystem::permissions(dir_, std::filesystem::perms::owner_all |
                                            std::filesystem::perms::group_exec |
                                            std::filesystem::perms::others_exec);
-    url_ = Script("start");
-    running_ = !url_.empty();
+    started_ = running_ = Script("start");
   }
   ~PostgresServer() {
     if (running_) Script("stop");
@@ -35,7 +34,7 @@ class PostgresServer {
   PostgresServer(const PostgresServer&) = delete;
   PostgresServer& operator=(const PostgresServer&) = delete;
 
-  bool Running() const { return !url_.empty(); }
+  bool Running() const { return started_; }
   // The URL of the database `name` on this server.
   std::string Url(const std::string& name = "postgres") const {
     return "postgresql:///" + name + "?host=" + dir_ + "&user=vantrel";
@@ -48,12 +47,9 @@ class PostgresServer {
   }
   bool Stop() {
     running_ = false;
-    return !Script("stop").empty();
+    return Script("stop");
   }
-  bool Start() {
-    running_ = !Script("start").empty();
-    return running_;
-  }
+  bool Start() { return running_ = Script("start"); }
 
   // Runs one statement; the first column of its first row, or "error: ...".
   static std::string Execute(const std::string& url, const std::string& sql) {
@@ -83,26 +79,23 @@ class PostgresServer {
   }
 
  private:
-  // The script's first output line, "" when it failed.
-  std::string Script(const char* action) const {
+  // Whether the script succeeded; its output goes to standard error when it did not.
+  bool Script(const char* action) const {
     const std::string command = std::string(VANTREL_SOURCE_DIR) +
                                 "/scripts/postgres-test-server.sh " + action + " " + dir_ + " 2>&1";
     FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) return "";
+    if (pipe == nullptr) return false;
     std::string out;
     std::array<char, 512> buffer{};
     while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), pipe) != nullptr)
       out += buffer.data();
-    const int status = ::pclose(pipe);
-    if (status != 0) {
-      std::fprintf(stderr, "postgres-test-server.sh %s: %s\n", action, out.c_str());
-      return "";
-    }
-    return out.empty() ? std::string("ok") : out.substr(0, out.find('\n'));
+    if (::pclose(pipe) == 0) return true;
+    std::fprintf(stderr, "postgres-test-server.sh %s: %s\n", action, out.c_str());
+    return false;
   }
 
   std::string dir_;
-  std::string url_;
+  bool started_ = false;  // by the constructor
   bool running_ = false;
   int databases_ = 0;
 };

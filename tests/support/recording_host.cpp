@@ -1,28 +1,31 @@
 #include "support/recording_host.h"
 
+#include <utility>
+
 namespace vantrel::testing {
 
-std::vector<int32_t> RegisterImage::Read(int32_t first, int32_t count) const {
+namespace {
+
+// `count` words from `first` on; a word never written reads 0.
+std::vector<int32_t> Words(const std::map<int32_t, int32_t>& words, int32_t first, int32_t count) {
   std::vector<int32_t> out;
-  for (int32_t i = 0; i < count; ++i) {
-    auto it = registers.find(first + i);
-    out.push_back(it == registers.end() ? 0 : it->second);
+  for (int32_t i = first; i < first + count; ++i) {
+    const auto it = words.find(i);
+    out.push_back(it == words.end() ? 0 : it->second);
   }
   return out;
 }
 
+}  // namespace
+
+std::vector<int32_t> RegisterImage::Read(int32_t first, int32_t count) const {
+  return Words(registers, first, count);
+}
+
 std::vector<int32_t> RegisterImage::ReadDB(int32_t block, int32_t offset, int32_t count) const {
-  std::vector<int32_t> out;
-  auto db = dataBlocks.find(block);
-  for (int32_t i = 0; i < count; ++i) {
-    int32_t value = 0;
-    if (db != dataBlocks.end()) {
-      auto it = db->second.find(offset + i);
-      if (it != db->second.end()) value = it->second;
-    }
-    out.push_back(value);
-  }
-  return out;
+  static const std::map<int32_t, int32_t> kUnwritten;
+  const auto db = dataBlocks.find(block);
+  return Words(db == dataBlocks.end() ? kUnwritten : db->second, offset, count);
 }
 
 void RecordingHost::Deliver(std::vector<int32_t> block) {
@@ -33,39 +36,8 @@ void RecordingHost::Deliver(std::vector<int32_t> block) {
   }
 }
 
-void RecordingHost::ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) {
-  events.push_back({"ReadPCDReg", {RegisterNumber, NumberToRead}, {}});
-  Deliver(image.Read(RegisterNumber, NumberToRead));
-}
-
-void RecordingHost::ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) {
-  events.push_back({"ReadPCDDB", {DBNumber, DBOffset, NumberToRead}, {}});
-  Deliver(image.ReadDB(DBNumber, DBOffset, NumberToRead));
-}
-
-void RecordingHost::ModulError(int16_t ErrType, std::string_view ErrMessage) {
-  events.push_back({"ModulError", {ErrType}, std::string(ErrMessage)});
-}
-
-void RecordingHost::OutputLine(std::string_view DataLine) {
-  events.push_back({"OutputLine", {}, std::string(DataLine)});
-}
-
-void RecordingHost::Status(int16_t ReadStatus) {
-  events.push_back({"Status", {ReadStatus}, {}});
-}
-
-void RecordingHost::PCDCmd(int16_t Cmd) {
-  events.push_back({"PCDCmd", {Cmd}, {}});
-}
-
-void RecordingHost::NewExportFile() {
-  events.push_back({"NewExportFile", {}, {}});
-}
-
 int RecordingHost::AnswerPending() {
-  auto blocks = std::move(pending_);
-  pending_.clear();
+  const auto blocks = std::exchange(pending_, {});
   for (const auto& block : blocks)
     control->SetDataBlock(block);
   return static_cast<int>(blocks.size());

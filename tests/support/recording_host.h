@@ -39,13 +39,23 @@ class RecordingHost : public ControlEvents {
   Answer answer = Answer::Never;
   std::vector<RecordedEvent> events;
 
-  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override;
-  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override;
-  void ModulError(int16_t ErrType, std::string_view ErrMessage) override;
-  void OutputLine(std::string_view DataLine) override;
-  void Status(int16_t ReadStatus) override;
-  void PCDCmd(int16_t Cmd) override;
-  void NewExportFile() override;
+  void ReadPCDReg(int16_t RegisterNumber, int16_t NumberToRead) override {
+    events.push_back({"ReadPCDReg", {RegisterNumber, NumberToRead}, {}});
+    Deliver(image.Read(RegisterNumber, NumberToRead));
+  }
+  void ReadPCDDB(int16_t DBNumber, int16_t DBOffset, int16_t NumberToRead) override {
+    events.push_back({"ReadPCDDB", {DBNumber, DBOffset, NumberToRead}, {}});
+    Deliver(image.ReadDB(DBNumber, DBOffset, NumberToRead));
+  }
+  void ModulError(int16_t ErrType, std::string_view ErrMessage) override {
+    events.push_back({"ModulError", {ErrType}, std::string(ErrMessage)});
+  }
+  void OutputLine(std::string_view DataLine) override {
+    events.push_back({"OutputLine", {}, std::string(DataLine)});
+  }
+  void Status(int16_t ReadStatus) override { events.push_back({"Status", {ReadStatus}, {}}); }
+  void PCDCmd(int16_t Cmd) override { events.push_back({"PCDCmd", {Cmd}, {}}); }
+  void NewExportFile() override { events.push_back({"NewExportFile", {}, {}}); }
 
   // Answers the read requests held back with Answer::Later; returns how many.
   int AnswerPending();
