@@ -60,8 +60,6 @@ class CellRow {
 
   void Append(std::string_view text, std::string_view comment, int64_t raw, const CellValue& value,
               const CellReading& reading);
-  // Appends every cell of `other`.
-  void AppendAll(const CellRow& other);
 
   std::string_view Text(size_t i) const;
   std::string_view Comment(size_t i) const;

@@ -62,19 +62,6 @@ void CellRow::Append(std::string_view text, std::string_view comment, int64_t ra
   }
 }
 
-void CellRow::AppendAll(const CellRow& other) {
-  const auto textBase = static_cast<uint32_t>(texts_.size());
-  const auto commentBase = static_cast<uint32_t>(comments_.size());
-  texts_ += other.texts_;
-  comments_ += other.comments_;
-  const size_t first = cells_.size();
-  cells_.insert(cells_.end(), other.cells_.begin(), other.cells_.end());
-  for (size_t i = first; i < cells_.size(); ++i) {
-    cells_[i].textEnd += textBase;
-    cells_[i].commentEnd += commentBase;
-  }
-}
-
 std::string_view CellRow::Text(size_t i) const {
   const uint32_t begin = TextBegin(i);
   return std::string_view(texts_).substr(begin, cells_[i].textEnd - begin);
