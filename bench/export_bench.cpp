@@ -38,8 +38,7 @@ CellRow TextCells(const char* const* codes, std::string_view line) {
   for (int c = 0; start <= line.size(); ++c) {
     const size_t tab = std::min(line.find('\t', start), line.size());
     const std::string_view text = line.substr(start, tab - start);
-    cells.Append(text, {}, 0, CellValue::Text(),
-                 ReadCellText(text, '.', IsDateKind(ExportKindOfCode(codes[c]))));
+    AppendTextCell(cells, text, '.', IsDateKind(ExportKindOfCode(codes[c])));
     start = tab + 1;
   }
   return cells;

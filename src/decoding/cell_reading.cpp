@@ -68,6 +68,11 @@ CellReading ReadCellText(std::string_view text, char decimalSeparator, bool date
   return reading;
 }
 
+void AppendTextCell(CellRow& cells, std::string_view text, char decimalSeparator, bool dateColumn) {
+  cells.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
+               ReadCellText(text, decimalSeparator, dateColumn));
+}
+
 CellReading ReadDecimalCell(std::string_view text, int64_t value, int decimals,
                             char decimalSeparator, bool dateColumn) {
   if (dateColumn || decimals > 22 || value >= kExactIntegerLimit || value <= -kExactIntegerLimit)

@@ -23,6 +23,10 @@ inline bool IsDateKind(ExportCellKind kind) {
 // The readings of any text.
 CellReading ReadCellText(std::string_view text, char decimalSeparator, bool dateColumn);
 
+// Appends a cell made from a text alone (a text kept by a record history, a test's): a text
+// value, or none for an empty text, with the text's readings.
+void AppendTextCell(CellRow& cells, std::string_view text, char decimalSeparator, bool dateColumn);
+
 // The readings of a text that the decoder wrote for `value` / 10^`decimals` (the decimal
 // rendering): the same as ReadCellText gives for it, without reading the text again.
 CellReading ReadDecimalCell(std::string_view text, int64_t value, int decimals,

@@ -56,8 +56,7 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
     row.recordNumber = recorded.recordNumber;
     row.pcTime = recorded.pcTime;
     auto stamp = [&row](std::string_view text, bool date) {
-      row.stamps.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
-                        ReadCellText(text, '.', date));
+      AppendTextCell(row.stamps, text, '.', date);
     };
     stamp(std::to_string(recorded.recordNumber), false);
     stamp(FormatStatusDate(recorded.pcTime), true);
@@ -67,8 +66,7 @@ bool ExportRecordedRows(const HistoryDescription& description, std::span<const R
     for (size_t start = 0; start <= line.size() && row.cells.Size() < traceColumns;) {
       const size_t tab = std::min(line.find('\t', start), line.size());
       const std::string_view text = line.substr(start, tab - start);
-      row.cells.Append(text, {}, 0, text.empty() ? CellValue{} : CellValue::Text(),
-                       ReadCellText(text, '.', dateColumn[row.cells.Size()]));
+      AppendTextCell(row.cells, text, '.', dateColumn[row.cells.Size()]);
       start = tab + 1;
     }
     table.AddRow(std::move(row));

@@ -55,8 +55,7 @@ struct ModuleFixture {
           column < m.grid.ColumnCount() &&
           IsDateKind(ExportKindOfCode(
               m.description.Columns[static_cast<size_t>(m.grid.ColumnData(column))].DisplayCode));
-      cells.Append(texts[i], {}, 0, CellValue::Text(),
-                   ReadCellText(texts[i], m.decimalSeparator, date));
+      AppendTextCell(cells, texts[i], m.decimalSeparator, date);
     }
     AddRecordRow(m, cells);
   }
