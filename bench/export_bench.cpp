@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "control/module.h"
 #include "decoding/cell_reading.h"
-#include "decoding/grid_setup.h"
-#include "decoding/row_bookkeeping.h"
-#include "output/output_steps.h"
+#include "decoding/row_store.h"
+#include "decoding/table_layout.h"
+#include "output/export_service.h"
+#include "output/trace_export.h"
 #include "platform/date_serial.h"
 #include "platform/numbers.h"
 #include "vantrel/manual_event_loop.h"
@@ -44,46 +44,50 @@ CellRow TextCells(const char* const* codes, std::string_view line) {
   return cells;
 }
 
-// A control module whose table holds kRows decoded-looking rows: the PC date and time, then
-// eight trace columns (numbers with decimals, signed numbers, hexadecimal words, texts, a
-// controller time stamp).
+// A table of kRows decoded-looking rows: the PC date and time, then eight trace columns
+// (numbers with decimals, signed numbers, hexadecimal words, texts, a controller time stamp).
 struct FilledTable {
   FilledTable() {
-    InitializeControl(m);
     const char* codes[] = {"2d", "sd", "h", "s", "t", "d", "f", "a"};
     for (int c = 1; c <= 8; ++c) {
-      ColumnDef& d = m.description.Columns[static_cast<size_t>(c)];
+      ColumnDef& d = description.Columns[static_cast<size_t>(c)];
       d.Defined = -1;
       d.FieldType = 4;
       d.Caption = "Column " + std::to_string(c);
       d.DisplayCode = codes[c - 1];
       d.Width = 1000;
     }
-    m.description.ColumnCount = 8;
-    BuildGrid(m);
-    m.props.MaxRows = kRows;
-    m.props.DateStampCol = true;
-    m.props.TimeStampCol = true;
+    description.ColumnCount = 8;
+    const std::string font = "Courier";
+    const std::string size = "10";
+    BuildTable(full, description, {font, size, true, true, false});
     for (int r = 0; r < kRows; ++r) {
       char line[200];
       std::snprintf(line, sizeof line,
                     "\t%d.%02d\t%d\t%04X\t%s\t15/11/26 %02d:%02d:%02d\t%d\tPump %s\tLOT%d",
                     r % 2000, r % 100, 150 - r % 300, r & 0xFFFF, r % 3 == 0 ? "Running" : "Idle",
                     r / 3600 % 24, r / 60 % 60, r % 60, r, r % 2 == 0 ? "North" : "South", r % 10);
-      char time[16];
-      std::snprintf(time, sizeof time, "%02d:%02d:%02d", r / 3600 % 24, r / 60 % 60, r % 60);
-      SetRowStamp(m, DateTime{2026, 11, 15, r / 3600 % 24, r / 60 % 60, r % 60, 0});
+      rows.StampAt(DateTime{2026, 11, 15, r / 3600 % 24, r / 60 % 60, r % 60, 0});
       CellRow cells = TextCells(codes, line);
-      AddRecordRow(m, cells);
+      rows.CountRecord();
+      rows.AppendRecord(cells, RowKind::Record, {});
     }
-    full = m.grid;
   }
 
-  ManualEventLoop loop;
-  ScriptedPrompts prompts;
-  ControlEvents events;
-  Control::Module m{events, ControlServices{loop, loop.Clock(), prompts}};
+  // Exports the whole table in `format` (0 Excel 2.x, 1 .xlsx, 2 CSV) as the control does.
+  bool Export(int16_t format, const std::string& path, TableExporter* xlsx = nullptr) const {
+    ExportRequest request;
+    request.format = format;
+    request.target = path;
+    request.xlsx = xlsx;
+    request.source = TraceExportSource(full, description, {true, true, false}, '.');
+    return ExportTable(std::move(request)).written;
+  }
+
+  TraceDescription description;
   TableModel full;
+  char separator = '.';
+  RowStore rows{full, separator, [](std::string_view) {}};
 };
 
 FilledTable& Table() {
@@ -91,27 +95,23 @@ FilledTable& Table() {
   return table;
 }
 
-// The control's export in `format` (0 Excel 2.x, 1 .xlsx, 2 CSV) of the whole table.
+// The export in `format` (0 Excel 2.x, 1 .xlsx, 2 CSV) of the whole table.
 void ExportInFormat(benchmark::State& state, int16_t format, const char* name) {
-  FilledTable& t = Table();
+  const FilledTable& t = Table();
   XlsxExporter xlsx;
-  t.m.services.xlsx = &xlsx;
-  t.m.props.ExportFormat = format;
-  t.m.props.ExportFile = TempFile(name);
+  const std::string path = TempFile(name);
+  bool written = true;
   for (auto _ : state) {
     state.PauseTiming();
-    std::filesystem::remove(t.m.props.ExportFile);
-    t.m.grid = t.full;
+    std::filesystem::remove(path);
     state.ResumeTiming();
-    ExportFromButton(t.m);
+    written = written && t.Export(format, path, &xlsx);
   }
-  if (t.m.grid.DataRowCount() != 0) state.SkipWithError("the export failed");
-  const auto bytes = std::filesystem::file_size(t.m.props.ExportFile);
+  if (!written) state.SkipWithError("the export failed");
+  const auto bytes = std::filesystem::file_size(path);
   state.SetBytesProcessed(static_cast<int64_t>(bytes) * state.iterations());
   state.SetItemsProcessed(int64_t{kRows} * state.iterations());
   state.counters["file_MB"] = static_cast<double>(bytes) / 1e6;
-  t.m.props.ExportFormat = 0;
-  t.m.services.xlsx = nullptr;
 }
 
 void BM_ExportExcel2(benchmark::State& state) {
@@ -169,11 +169,10 @@ void BM_XlsxConstantMemory(benchmark::State& state) {
 // The lower bound: as many bytes as the Excel 2.x file, through one buffered stream.
 void BM_BufferedWriteOfTheSameBytes(benchmark::State& state) {
   FilledTable& t = Table();
-  t.m.props.ExportFile = TempFile("vantrel-bench.xls");
-  t.m.grid = t.full;
-  std::filesystem::remove(t.m.props.ExportFile);
-  ExportFromButton(t.m);
-  const auto bytes = std::filesystem::file_size(t.m.props.ExportFile);
+  const std::string excel2 = TempFile("vantrel-bench.xls");
+  std::filesystem::remove(excel2);
+  t.Export(kExportExcel2, excel2);
+  const auto bytes = std::filesystem::file_size(excel2);
   const std::vector<char> chunk(4096, 'x');
   const std::string path = TempFile("vantrel-bench.bin");
   for (auto _ : state) {

@@ -36,6 +36,9 @@ bash scripts/fuzz.sh 15
 echo "== formatting"
 git ls-files -- '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 
+echo "== the core's folders include only those below them"
+python3 scripts/check_layers.py
+
 echo "== a host project built against the installed package"
 prefix="$root/build/ci-install"
 rm -rf "$prefix"

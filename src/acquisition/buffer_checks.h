@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "control/module.h"
+#include "acquisition/buffer_state.h"
 
 namespace vantrel {
 

@@ -1,23 +1,41 @@
 #include "acquisition/reading_cycle.h"
 
-#include <string>
+#include <algorithm>
+#include <optional>
 
 #include "acquisition/buffer_checks.h"
 #include "acquisition/string_columns.h"
-#include "acquisition/trace_steps.h"
-#include "control/run_control.h"
 
 namespace vantrel {
 namespace {
 
 constexpr int16_t kTicksBeforeAskingAgain = 5;
+// The simulated buffer has an 8-word header in front of its ring.
+constexpr int16_t kSimulatedHeaderLength = 8;
 
 int16_t Offset16(int32_t start, int32_t offset) {
   // Register numbers are 16-bit on the event interface; they wrap as the protocol does.
   return static_cast<int16_t>(static_cast<uint16_t>(start + offset));
 }
 
-std::string StatusText(const Module& m, int16_t state) {
+// The walk skips any statement that fails: a missing element or a value that does not fit
+// its field leaves the field as it was.
+std::optional<int32_t> Element(std::span<const int32_t> block, size_t index) {
+  if (index >= block.size()) return std::nullopt;
+  return block[index];
+}
+
+void Store16(int16_t& field, int64_t value) {
+  if (value >= INT16_MIN && value <= INT16_MAX) field = static_cast<int16_t>(value);
+}
+
+void Store32(int32_t& field, int64_t value) {
+  if (value >= INT32_MIN && value <= INT32_MAX) field = static_cast<int32_t>(value);
+}
+
+}  // namespace
+
+std::string ReadingCycle::StatusText(int16_t state) const {
   switch (state) {
     case kStateDisabled:
       return "Disabled";
@@ -28,8 +46,8 @@ std::string StatusText(const Module& m, int16_t state) {
     case kStateRunning:
       return "Refresh mode runing";
     case kStateLoading: {
-      const int32_t toRead = m.buffer.RecordsToRead;
-      const int32_t shown = toRead != m.walk.RecordNumber ? toRead : toRead - 1;
+      const int32_t toRead = buffer_.RecordsToRead;
+      const int32_t shown = toRead != walk_.RecordNumber ? toRead : toRead - 1;
       return "Loading " + std::to_string(shown) + " records";
     }
     default:
@@ -37,98 +55,46 @@ std::string StatusText(const Module& m, int16_t state) {
   }
 }
 
-void TakeStartRegister(Module& m, std::span<const int32_t> block) {
-  if (block.empty()) {
-    m.ErrMsg = ShortBlockMessage("start register", 0, 1);
-  } else if (CheckStartRegister(block[0], m.buffer, m.ErrMsg)) {
-    m.buffer.HeaderLength = 16;
-    m.description.CounterIndex = 4;
-    SetReadState(m, kStateHeader);
-    return;
-  }
-  m.ErrType = kErrStartOrDescription;
-  m.RaiseError(kErrStartOrDescription, m.ErrMsg);
+void ReadingCycle::SetState(int16_t state) {
+  if (state == buffer_.ReadState) return;
+  buffer_.ReadState = state;
+  owner_.ReadStateChanged(state, StatusText(state));
 }
 
-void FailHeader(Module& m) {
-  m.ErrType = kErrHeader;
-  m.RaiseError(kErrHeader, m.ErrMsg);
-  ResetWalkCounters(m);
-  SetReadState(m, kStateHeader);
+void ReadingCycle::ResetWalk() {
+  walk_.BufferCounter = 0;
+  walk_.LastBufferCounter = 0;
+  walk_.WriteIndex = 0;
+  walk_.LastIndex = 0;
+  walk_.RecordNumber = 0;
+  buffer_.RecordsToRead = 0;
 }
 
-void TakeHeader(Module& m, std::span<const int32_t> block) {
-  const auto needed = static_cast<size_t>(m.buffer.HeaderLength);
-  if (block.size() < needed || needed < 4) {
-    m.ErrMsg = ShortBlockMessage("buffer header", block.size(), needed);
-    FailHeader(m);
-    return;
-  }
-  m.buffer.LastWord = block[needed - 1];
-  m.surface.infoButton.enabled = false;
-  m.SurfaceChanged();
-  if (!CheckHeader(block, m.buffer, m.ErrMsg)) {
-    FailHeader(m);
-    return;
-  }
-  if (!LoadTraceDescription(m)) {
-    m.ErrType = kErrStartOrDescription;
-    m.RaiseError(kErrStartOrDescription, m.ErrMsg);
-    return;
-  }
-  ResolveStringColumns(m.description, block);
-  SetReadState(m, kStateRunning);
-  ResumeRefresh(m);
+void ReadingCycle::ResetBuffer() {
+  description_.DescriptionFile.clear();
+  buffer_.FormatKey.clear();
+  buffer_.HeaderKey.clear();
+  description_.CounterIndex = 0;
+  buffer_.HeaderVersion = 0;
+  buffer_.BufferLen = 0;
+  buffer_.RecordReadOffset = 0;
+  description_.RecordLength = 0;
+  ResetWalk();
+  walk_.FirstRead = true;
 }
 
-void TakeCounterArea(Module& m, std::span<const int32_t> block) {
-  const int32_t counterIndex = m.description.CounterIndex;
-  if (counterIndex < 1 || block.size() < static_cast<size_t>(counterIndex)) {
-    m.ErrType = kErrRecords;
-    m.ErrMsg = ShortBlockMessage("counter area", block.size(),
-                                 static_cast<size_t>(std::max<int32_t>(counterIndex, 1)));
-    m.RaiseError(kErrRecords, m.ErrMsg);
+void ReadingCycle::Fail(int16_t errType, std::string message) {
+  errType_ = errType;
+  errMsg_ = std::move(message);
+  owner_.RaiseError(errType_, errMsg_);
+}
+
+void ReadingCycle::RequestRead(int16_t count) {
+  if (settings_.simulation) {
+    AnswerFromSimulation(count);
     return;
   }
-  m.buffer.LastWord = block[static_cast<size_t>(counterIndex - 1)];
-  if (WalkBufferCounters(m, block)) SetReadState(m, kStateLoading);
-}
-
-void TakeRecords(Module& m, std::span<const int32_t> block) {
-  if (LoadRecords(m, block)) {
-    SetReadState(m, kStateRunning);
-    ResumeRefresh(m);
-    return;
-  }
-  m.props.RunMode = kRunStop;
-  ApplyRunMode(m);
-  m.RaiseError(m.ErrType, m.ErrMsg);
-}
-
-}  // namespace
-
-void ResetWalkCounters(Module& m) {
-  m.walk.BufferCounter = 0;
-  m.walk.LastBufferCounter = 0;
-  m.walk.WriteIndex = 0;
-  m.walk.LastIndex = 0;
-  m.walk.RecordNumber = 0;
-  m.buffer.RecordsToRead = 0;
-}
-
-void SetReadState(Module& m, int16_t state) {
-  if (state == m.buffer.ReadState) return;
-  m.buffer.ReadState = state;
-  ShowStatus(m, StatusText(m, state));
-  m.events.Status(state);
-}
-
-void RequestRead(Module& m, int16_t count) {
-  if (m.props.Simulation) {
-    AnswerFromSimulation(m, count);
-    return;
-  }
-  BufferState& b = m.buffer;
+  BufferState& b = buffer_;
   if (b.ReadState >= kStateWaitStart && b.ReadState <= kStateLoading) {
     // Set before the event: a host answering inside it clears the flag again.
     b.AnswerPending = true;
@@ -138,20 +104,20 @@ void RequestRead(Module& m, int16_t count) {
     case kStateWaitStart:
       b.RequestOffset = 0;
       b.RequestLength = 1;
-      m.events.ReadPCDReg(m.props.StartRegister, 1);
+      owner_.ReadRegisters(settings_.startRegister, 1);
       break;
     case kStateHeader:
     case kStateRunning:
     case kStateLoading: {
       const int32_t offset = b.ReadState == kStateHeader    ? 0
-                             : b.ReadState == kStateRunning ? m.description.CounterIndex
+                             : b.ReadState == kStateRunning ? description_.CounterIndex
                                                             : b.RecordReadOffset;
       b.RequestOffset = offset;
       b.RequestLength = count;
       if (b.DBMode) {
-        m.events.ReadPCDDB(b.BufferStart, static_cast<int16_t>(offset), count);
+        owner_.ReadDataBlock(b.BufferStart, static_cast<int16_t>(offset), count);
       } else {
-        m.events.ReadPCDReg(Offset16(b.BufferStart, offset), count);
+        owner_.ReadRegisters(Offset16(b.BufferStart, offset), count);
       }
       break;
     }
@@ -160,50 +126,233 @@ void RequestRead(Module& m, int16_t count) {
   }
 }
 
-void TakeDataBlock(Module& m, std::span<const int32_t> block) {
-  if (!m.props.Enabled || m.buffer.ReadState <= kStateDisabled) return;
-  m.MarkChanged("DataBlock");
-  m.buffer.AnswerPending = false;
-  switch (m.buffer.ReadState) {
+void ReadingCycle::RequestRecords() {
+  const int32_t count = int32_t{description_.RecordLength} * buffer_.RecordsToRead;
+  buffer_.ReadCount = static_cast<int16_t>(count);
+  RequestRead(static_cast<int16_t>(count));
+}
+
+void ReadingCycle::TakeDataBlock(std::span<const int32_t> block) {
+  buffer_.AnswerPending = false;
+  switch (buffer_.ReadState) {
     case kStateWaitStart:
-      TakeStartRegister(m, block);
+      TakeStartRegister(block);
       break;
     case kStateHeader:
-      TakeHeader(m, block);
+      TakeHeader(block);
       break;
     case kStateRunning:
-      TakeCounterArea(m, block);
+      TakeCounterArea(block);
       break;
     case kStateLoading:
-      TakeRecords(m, block);
+      TakeRecords(block);
       break;
     default:
       break;
   }
 }
 
-void OnReadTimer(Module& m) {
-  if (m.gridRedrawPending) {
-    m.gridRedrawPending = false;
-    m.grid.SetRedraw(true);
+void ReadingCycle::TakeStartRegister(std::span<const int32_t> block) {
+  if (block.empty()) {
+    errMsg_ = ShortBlockMessage("start register", 0, 1);
+  } else if (CheckStartRegister(block[0], buffer_, errMsg_)) {
+    buffer_.HeaderLength = 16;
+    description_.CounterIndex = 4;
+    SetState(kStateHeader);
+    return;
   }
-  BufferState& b = m.buffer;
+  Fail(kErrStartOrDescription, errMsg_);
+}
+
+void ReadingCycle::FailHeader() {
+  Fail(kErrHeader, errMsg_);
+  ResetWalk();
+  SetState(kStateHeader);
+}
+
+void ReadingCycle::TakeHeader(std::span<const int32_t> block) {
+  const auto needed = static_cast<size_t>(buffer_.HeaderLength);
+  if (block.size() < needed || needed < 4) {
+    errMsg_ = ShortBlockMessage("buffer header", block.size(), needed);
+    FailHeader();
+    return;
+  }
+  buffer_.LastWord = block[needed - 1];
+  owner_.HeaderArrived();
+  if (!CheckHeader(block, buffer_, errMsg_)) {
+    FailHeader();
+    return;
+  }
+  if (!owner_.LoadDescription(errMsg_)) {
+    Fail(kErrStartOrDescription, errMsg_);
+    return;
+  }
+  ResolveStringColumns(description_, block);
+  SetState(kStateRunning);
+  owner_.ResumeRefresh();
+}
+
+void ReadingCycle::TakeCounterArea(std::span<const int32_t> block) {
+  const int32_t counterIndex = description_.CounterIndex;
+  if (counterIndex < 1 || block.size() < static_cast<size_t>(counterIndex)) {
+    Fail(kErrRecords, ShortBlockMessage("counter area", block.size(),
+                                        static_cast<size_t>(std::max<int32_t>(counterIndex, 1))));
+    return;
+  }
+  buffer_.LastWord = block[static_cast<size_t>(counterIndex - 1)];
+  if (WalkCounterArea(block)) SetState(kStateLoading);
+}
+
+void ReadingCycle::TakeRecords(std::span<const int32_t> block) {
+  if (LoadRecords(block)) {
+    SetState(kStateRunning);
+    owner_.ResumeRefresh();
+    return;
+  }
+  StopOnFailure();
+}
+
+void ReadingCycle::OnReadTimer() {
+  BufferState& b = buffer_;
   // A request still unanswered after a few ticks is taken as lost and asked again.
   const bool waiting = b.AnswerPending && ++b.TicksWaiting < kTicksBeforeAskingAgain;
   if (!waiting && b.ReadState == kStateRunning) {
-    const auto counterRead = static_cast<int16_t>(m.description.CounterIndex + 8);
+    const auto counterRead = static_cast<int16_t>(description_.CounterIndex + 8);
     b.ReadCount = counterRead;
-    RequestRead(m, counterRead);
+    RequestRead(counterRead);
   }
   // In state 4 either a synchronous host has just answered the counter read, or a later
   // answer left the records to be fetched on this tick.
-  if (!waiting && b.ReadState == kStateLoading) {
-    const int32_t count = int32_t{m.description.RecordLength} * b.RecordsToRead;
-    b.ReadCount = static_cast<int16_t>(count);
-    RequestRead(m, static_cast<int16_t>(count));
+  if (!waiting && b.ReadState == kStateLoading) RequestRecords();
+}
+
+void ReadingCycle::PlanNewRecords(int64_t fresh) {
+  WalkCounters& w = walk_;
+  BufferState& b = buffer_;
+  const int64_t headerLength = b.HeaderLength;
+  const int64_t recordLength = description_.RecordLength;
+  const int64_t lastIndex = w.LastIndex;
+  if (fresh <= 0) {
+    b.RecordsToRead = 0;
+  } else if (fresh <= lastIndex + 1) {
+    // All new records lie before the write slot.
+    Store16(b.RecordsToRead, fresh);
+    Store16(b.RecordReadOffset, headerLength + recordLength * (lastIndex + 1 - fresh));
+  } else if (fresh <= int64_t{w.RecordNumber} - 1) {
+    // The new records wrap round the end of the ring: read the part at the end now and the
+    // part at the start at the next poll.
+    const int64_t tail = fresh - (lastIndex + 1);
+    const int64_t room = int64_t{w.RecordNumber} - w.WriteIndex;
+    Store16(b.RecordsToRead, tail <= room ? tail : room);
+    Store16(b.RecordReadOffset, headerLength + recordLength * (w.RecordNumber - tail));
+    Store32(w.BufferCounter, int64_t{w.LastBufferCounter} + tail);
+  } else {
+    // The ring overran: what was overwritten is lost; reload the whole ring.
+    owner_.RecordsMissed(fresh - w.RecordNumber + 1);
+    Store16(b.RecordsToRead, w.RecordNumber);
+    b.RecordReadOffset = b.HeaderLength;
   }
-  m.surface.activityVisible = !m.surface.activityVisible;
-  m.SurfaceChanged();
+}
+
+bool ReadingCycle::WalkCounterArea(std::span<const int32_t> counterArea) {
+  WalkCounters& w = walk_;
+  BufferState& b = buffer_;
+  if (auto counter = Element(counterArea, 0)) {
+    // A negative counter has 2^31 added: the controller counts in 31 bits.
+    w.BufferCounter =
+        *counter < 0 ? static_cast<int32_t>(int64_t{*counter} + 2147483648LL) : *counter;
+  }
+  if (w.LastBufferCounter > w.BufferCounter) {
+    owner_.CounterRestarted();
+    ResetWalk();
+    return false;
+  }
+  if (auto index = Element(counterArea, 1)) w.WriteIndex = *index;
+  if (auto capacity = Element(counterArea, 3)) w.RecordNumber = *capacity;
+  if (b.FormatKey == "VTL2") {
+    if (auto command = Element(counterArea, 4)) b.CommandWord = *command;
+    if (auto exportIndex = Element(counterArea, 6)) b.ExportIndex = *exportIndex;
+    if (b.CommandWord != b.LastCommand) {
+      b.LastCommand = b.CommandWord;
+      owner_.CommandChanged(b.CommandWord);
+    }
+  }
+  Store16(w.LastIndex, w.WriteIndex == 0 ? int64_t{w.RecordNumber} - 1 : int64_t{w.WriteIndex} - 1);
+
+  if (w.BufferCounter == w.LastBufferCounter) {
+    b.RecordsToRead = 0;
+  } else if (w.LastBufferCounter == 0 && w.FirstRead) {
+    // The first poll loads the history: the slots written so far, or the whole ring.
+    w.FirstRead = false;
+    Store16(b.RecordsToRead, w.BufferCounter <= w.WriteIndex ? w.BufferCounter : w.RecordNumber);
+  } else {
+    PlanNewRecords(int64_t{w.BufferCounter} - w.LastBufferCounter);
+  }
+  w.LastBufferCounter = w.BufferCounter;
+  return b.RecordsToRead > 0;
+}
+
+bool ReadingCycle::LoadRecords(std::span<const int32_t> records) {
+  const int32_t n = buffer_.RecordsToRead;
+  const int32_t recordNumber = walk_.RecordNumber;
+  const int32_t lastIndex = walk_.LastIndex;
+  const size_t recordLength = static_cast<size_t>(std::max<int16_t>(description_.RecordLength, 0));
+  int32_t loaded = 0;
+  auto decode = [&](int32_t slot) {
+    if (owner_.DecodeRecord(records, static_cast<size_t>(slot) * recordLength)) ++loaded;
+  };
+  int32_t expected = n;
+  if (n == recordNumber) {
+    // The whole ring, oldest first; the slot being written is skipped.
+    for (int32_t slot = lastIndex + 2; slot <= recordNumber - 1; ++slot)
+      decode(slot);
+    for (int32_t slot = 0; slot <= lastIndex; ++slot)
+      decode(slot);
+    expected = n - 1;
+  } else {
+    for (int32_t slot = 0; slot < n; ++slot)
+      decode(slot);
+  }
+  if (loaded < expected) {
+    errMsg_ = std::to_string(loaded) + " from " + std::to_string(expected) + " records loaded.";
+    errType_ = kErrRecords;
+    return false;
+  }
+  return true;
+}
+
+void ReadingCycle::AnswerFromSimulation(int16_t count) {
+  switch (buffer_.ReadState) {
+    case kStateWaitStart:
+      SetState(kStateHeader);
+      break;
+    case kStateHeader:
+      if (!owner_.LoadDescription(errMsg_)) {
+        StopOnFailure();
+        return;
+      }
+      buffer_.HeaderLength = kSimulatedHeaderLength;
+      buffer_.RecordReadOffset = kSimulatedHeaderLength;
+      ResetWalk();
+      walk_.FirstRead = true;
+      SetState(kStateRunning);
+      break;
+    case kStateRunning:
+      if (WalkCounterArea(simulation_.Header())) SetState(kStateLoading);
+      break;
+    case kStateLoading: {
+      const std::vector<int32_t> block = simulation_.ReadRecords(
+          int64_t{buffer_.RecordReadOffset} - kSimulatedHeaderLength, count);
+      if (LoadRecords(block)) {
+        SetState(kStateRunning);
+      } else {
+        StopOnFailure();
+      }
+      break;
+    }
+    default:
+      break;
+  }
 }
 
 }  // namespace vantrel

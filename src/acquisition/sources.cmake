@@ -2,5 +2,5 @@ target_sources(vantrel PRIVATE
   acquisition/buffer_checks.cpp
   acquisition/controller_status.cpp
   acquisition/reading_cycle.cpp
-  acquisition/simulation.cpp
+  acquisition/simulated_controller.cpp
   acquisition/string_columns.cpp)

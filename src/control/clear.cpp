@@ -1,14 +1,25 @@
 #include "control/clear.h"
 
-#include "decoding/grid_setup.h"
+#include "decoding/table_layout.h"
 #include "platform/runtime_error.h"
 
 namespace vantrel {
 
+bool BuildGrid(Module& m) {
+  m.rows.ResetRecordCount();
+  m.surface.recordCount.caption = "0";
+  m.surface.rowCount.caption = "0";
+  m.SurfaceChanged();
+  const PropertyFields& p = m.props;
+  return BuildTable(
+      m.grid, m.description,
+      {p.GridFontName, p.GridFontSize, p.DateStampCol, p.TimeStampCol, p.PCDStatusCol});
+}
+
 void ClearTable(Module& m) {
   m.surface.recordCount = {"0", kColorBlack};
   m.surface.rowCount = {"0", kColorBlack};
-  m.walk.RecordCount = 0;
+  m.rows.ResetRecordCount();
   m.SurfaceChanged();
   SavedGridColumns saved;
   bool keepColumns = true;

@@ -1,15 +1,13 @@
 #include "vantrel/control.h"
 
-#include "acquisition/reading_cycle.h"
-#include "acquisition/simulation.h"
 #include "control/clear.h"
+#include "control/export_control.h"
+#include "control/graph_control.h"
 #include "control/guard.h"
 #include "control/module.h"
 #include "control/run_control.h"
-#include "decoding/grid_setup.h"
+#include "control/trace_loading.h"
 #include "description/cipher.h"
-#include "output/graph.h"
-#include "output/output_steps.h"
 
 namespace vantrel {
 
@@ -17,7 +15,10 @@ Control::Control(ControlEvents& events, ControlServices services)
     : module_(std::make_unique<Module>(events, std::move(services))) {
   Module& m = *module_;
   m.readTimer->SetTickHandler([&m] { Guarded(m, "ReadTimer", [&] { OnReadTimer(m); }); });
-  m.simulTimer->SetTickHandler([&m] { Guarded(m, "SimulTimer", [&] { OnSimulationTimer(m); }); });
+  m.simulTimer->SetTickHandler([&m] {
+    Guarded(m, "SimulTimer",
+            [&] { m.cycle.Simulation().WriteNextRecord(m.description.RecordLength); });
+  });
   Guarded(m, "Initialize", [&] { InitializeControl(m); });
 }
 
@@ -25,7 +26,11 @@ Control::~Control() = default;
 
 void Control::SetDataBlock(std::span<const int32_t> values) {
   Module& m = *module_;
-  Guarded(m, "DataBlock", [&] { TakeDataBlock(m, values); });
+  Guarded(m, "DataBlock", [&] {
+    if (!m.props.Enabled || m.cycle.State() <= kStateDisabled) return;
+    m.MarkChanged("DataBlock");
+    m.cycle.TakeDataBlock(values);
+  });
 }
 
 void Control::Refresh() {
@@ -40,16 +45,16 @@ void Control::Start() {
   Module& m = *module_;
   Guarded(m, "Start", [&] {
     if (!m.props.Enabled) return;
-    SetReadState(m, kStateWaitStart);
-    RequestRead(m, 1);
+    m.cycle.SetState(kStateWaitStart);
+    m.cycle.RequestRead(1);
   });
 }
 
 void Control::Reset() {
   Module& m = *module_;
   Guarded(m, "Reset", [&] {
-    ResetBufferState(m);
-    if (m.buffer.ReadState > kStateDisabled) SetReadState(m, kStateDisabled);
+    m.cycle.ResetBuffer();
+    if (m.cycle.State() > kStateDisabled) m.cycle.SetState(kStateDisabled);
     InitializeControl(m);
     ShowGridView(m);
     m.grid.ClearCells();
@@ -89,16 +94,16 @@ void Control::ClickInfoButton() {
 
 void Control::PressTable(int32_t y) {
   Module& m = *module_;
-  Guarded(m, "fxgRecords", [&] { PressGrid(m, y); });
+  Guarded(m, "fxgRecords", [&] { m.headerSelection.Press(m.grid, y); });
 }
 
 void Control::DoubleClickTable(int column) {
   Module& m = *module_;
-  Guarded(m, "fxgRecords", [&] { DoubleClickGrid(m, column); });
+  Guarded(m, "fxgRecords", [&] { m.headerSelection.DoubleClick(m.grid, column); });
 }
 
 const GraphModel& Control::Graph() const {
-  return module_->chart;
+  return module_->graph.Model();
 }
 
 const Surface& Control::GetSurface() const {
@@ -111,7 +116,7 @@ const TableModel& Control::Table() const {
   return module_->grid;
 }
 int16_t Control::ReadState() const {
-  return module_->buffer.ReadState;
+  return module_->cycle.State();
 }
 
 void Control::SetXlsxExporter(TableExporter* exporter) {
@@ -123,11 +128,11 @@ void Control::SetExportFiles(ExportFiles* files) {
 }
 
 void Control::AddRowSink(RowSink* sink) {
-  if (sink != nullptr) module_->rowSinks.push_back(sink);
+  module_->rows.AddSink(sink);
 }
 
 void Control::RemoveRowSink(RowSink* sink) {
-  std::erase(module_->rowSinks, sink);
+  module_->rows.RemoveSink(sink);
 }
 
 void Control::ReportHistoryError(std::string_view message) {

@@ -2,16 +2,13 @@
 // while the control is disabled; every accepted setter tells the container that the property
 // changed so that the host saves it.
 
-#include "acquisition/controller_status.h"
-#include "acquisition/reading_cycle.h"
-#include "acquisition/simulation.h"
+#include "control/graph_control.h"
 #include "control/guard.h"
 #include "control/module.h"
 #include "control/resource_paths.h"
+#include "control/row_intake.h"
 #include "control/run_control.h"
-#include "decoding/grid_setup.h"
-#include "decoding/row_limit.h"
-#include "output/output_steps.h"
+#include "decoding/table_layout.h"
 #include "platform/numbers.h"
 #include "vantrel/control.h"
 
@@ -125,7 +122,7 @@ void Control::SetMaxGraph(int32_t value) {
   Guarded(m, "MaxGraph", [&] {
     m.props.MaxGraph = value < 20 ? 20 : value;
     m.MarkChanged("MaxGraph");
-    m.chart.SetPointCount(m.props.MaxGraph);
+    m.graph.Model().SetPointCount(m.props.MaxGraph);
     RefreshGraph(m);
   });
 }
@@ -232,7 +229,8 @@ void Control::SetSimulation(bool value) {
   Module& m = *module_;
   SetWhileEnabled(m, "Simulation", m.props.Simulation, value, [&] {
     if (value) {
-      StartSimulation(m);
+      m.cycle.Simulation().Restart();
+      m.simulTimer->SetEnabled(true);
     } else {
       Reset();
     }
@@ -267,22 +265,22 @@ void Control::SetDisplayMode(int16_t value) {
 }
 
 const std::string& Control::HeaderKey() const {
-  return module_->buffer.HeaderKey;
+  return module_->cycle.Buffer().HeaderKey;
 }
 int16_t Control::HeaderVersion() const {
-  return static_cast<int16_t>(module_->buffer.HeaderVersion);
+  return static_cast<int16_t>(module_->cycle.Buffer().HeaderVersion);
 }
 int16_t Control::BufferLen() const {
-  return static_cast<int16_t>(module_->buffer.BufferLen);
+  return static_cast<int16_t>(module_->cycle.Buffer().BufferLen);
 }
 int16_t Control::RecordLen() const {
   return module_->description.RecordLength;
 }
 int16_t Control::RecordNumber() const {
-  return static_cast<int16_t>(module_->walk.RecordNumber);
+  return static_cast<int16_t>(module_->cycle.Walk().RecordNumber);
 }
 int32_t Control::RecordCount() const {
-  return module_->walk.RecordCount;
+  return module_->rows.RecordCount();
 }
 
 }  // namespace vantrel

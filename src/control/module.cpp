@@ -1,14 +1,17 @@
 #include "control/module.h"
 
-#include "acquisition/reading_cycle.h"
 #include "control/clear.h"
+#include "control/run_control.h"
+#include "control/trace_loading.h"
 
 namespace vantrel {
 
 Control::Module::Module(ControlEvents& e, ControlServices s)
     : events(e),
       services(std::move(s)),
-      decoder({description, symbols, valueTexts, services.clock, decimalSeparator}) {
+      cycle(*this, {props.Simulation, props.StartRegister}, description),
+      decoder({description, symbols, valueTexts, services.clock, decimalSeparator}),
+      rows(grid, decimalSeparator, [this](std::string_view line) { events.OutputLine(line); }) {
   readTimer = services.timers.CreateTimer();
   simulTimer = services.timers.CreateTimer();
   readTimer->SetInterval(props.Interval);
@@ -27,17 +30,37 @@ void Control::Module::RaiseError(int16_t errType, std::string_view message) {
   events.ModulError(errType, message);
 }
 
-void ResetBufferState(Module& m) {
-  m.description.DescriptionFile.clear();
-  m.buffer.FormatKey.clear();
-  m.buffer.HeaderKey.clear();
-  m.description.CounterIndex = 0;
-  m.buffer.HeaderVersion = 0;
-  m.buffer.BufferLen = 0;
-  m.buffer.RecordReadOffset = 0;
-  m.description.RecordLength = 0;
-  ResetWalkCounters(m);  // also the record number and the records to read
-  m.walk.FirstRead = true;
+void Control::Module::ReadRegisters(int16_t first, int16_t count) {
+  events.ReadPCDReg(first, count);
+}
+
+void Control::Module::ReadDataBlock(int16_t block, int16_t offset, int16_t count) {
+  events.ReadPCDDB(block, offset, count);
+}
+
+void Control::Module::ReadStateChanged(int16_t state, std::string_view statusText) {
+  ShowStatus(*this, statusText);
+  events.Status(state);
+}
+
+void Control::Module::HeaderArrived() {
+  surface.infoButton.enabled = false;
+  SurfaceChanged();
+}
+
+bool Control::Module::LoadDescription(std::string& errMsg) {
+  return LoadTraceDescription(*this, errMsg);
+}
+
+void Control::Module::StopOnFailure(int16_t errType, std::string_view message) {
+  const std::string text(message);
+  props.RunMode = kRunStop;
+  ApplyRunMode(*this);
+  RaiseError(errType, text);
+}
+
+void Control::Module::ResumeRefresh() {
+  vantrel::ResumeRefresh(*this);
 }
 
 void InitializeControl(Module& m) {
@@ -47,8 +70,8 @@ void InitializeControl(Module& m) {
   m.surface.title = {"No Buffer Selected", kColorBlack};
   m.SurfaceChanged();
   ClearTable(m);
-  ResetBufferState(m);
-  SetReadState(m, kStateDisabled);
+  m.cycle.ResetBuffer();
+  m.cycle.SetState(kStateDisabled);
   m.surface.activityVisible = false;
   m.simulTimer->SetEnabled(false);
   m.SurfaceChanged();

@@ -1,7 +1,6 @@
 #pragma once
-// The state of one control: its persisted properties, the buffer and walk state of the
-// reading cycle, the trace description, the table and surface models and the services. The
-// subsystem folders each act on it through small functions; one Module per control instance.
+// The state of one control: its persisted properties, its components (reading cycle,
+// decoder, row store, graph) and the surface it shows.
 
 #include <array>
 #include <cstdint>
@@ -10,8 +9,11 @@
 #include <string_view>
 #include <vector>
 
+#include "acquisition/reading_cycle.h"
 #include "decoding/record_decoder.h"
+#include "decoding/row_store.h"
 #include "description/trace_description.h"
+#include "output/graph_view.h"
 #include "symbols/symbol_collection.h"
 #include "symbols/value_texts.h"
 #include "vantrel/control.h"
@@ -19,20 +21,6 @@
 #include "vantrel/row_sink.h"
 
 namespace vantrel {
-
-// ModulError numbers.
-inline constexpr int16_t kErrStartOrDescription = 10;
-inline constexpr int16_t kErrHeader = 11;
-inline constexpr int16_t kErrRecords = 12;
-inline constexpr int16_t kErrFieldReader = 13;
-inline constexpr int16_t kErrUnexpected = 99;
-
-// Reading states.
-inline constexpr int16_t kStateDisabled = 0;
-inline constexpr int16_t kStateWaitStart = 1;
-inline constexpr int16_t kStateHeader = 2;
-inline constexpr int16_t kStateRunning = 3;
-inline constexpr int16_t kStateLoading = 4;
 
 struct PropertyFields {
   bool Enabled = true;
@@ -63,56 +51,9 @@ struct PropertyFields {
   std::string HistoryFile;
 };
 
-// The PC date and time of the last decoded record or status change, as the rows show them.
-struct RowStamp {
-  DateTime at;
-  // The second the texts show: records of one poll share it.
-  DateTime shown;
-  bool valid = false;
-  std::string date;  // "dd/mm/yy"
-  std::string time;  // "hh:mm:ss"
-  CellReading dateReading;
-  CellReading timeReading;
-};
-
-// What the reading cycle knows of the buffer in the controller.
-struct BufferState {
-  // -1 until the control's initialisation sets it to 0, so that creation reports Status(0).
-  int16_t ReadState = -1;
-  int16_t BufferStart = 0;
-  bool DBMode = false;
-  int16_t HeaderLength = 16;
-  std::string FormatKey;
-  std::string HeaderKey;
-  int32_t HeaderVersion = 0;
-  int32_t BufferLen = 0;
-  int16_t RecordReadOffset = 0;
-  int16_t RecordsToRead = 0;
-  int16_t ReadCount = 0;
-  int32_t RequestOffset = 0;
-  int32_t RequestLength = 0;
-  // A request event has been raised and its DataBlock has not come yet. The read timer does
-  // not ask again meanwhile, so that a slow host's answer is never taken for another read.
-  bool AnswerPending = false;
-  int16_t TicksWaiting = 0;
-  int32_t LastWord = 0;
-  int32_t CommandWord = 0;
-  int32_t LastCommand = 0;
-  int32_t ExportIndex = 0;
-};
-
-// Counters of the walk over the controller's ring of records.
-struct WalkCounters {
-  int32_t BufferCounter = 0;
-  int32_t LastBufferCounter = 0;
-  int32_t WriteIndex = 0;
-  int32_t RecordNumber = 0;
-  int16_t LastIndex = 0;
-  bool FirstRead = true;
-  int32_t RecordCount = 0;
-};
-
-struct Control::Module {
+// The control's state: its properties and the components that do its work. The functions
+// of this folder carry out the control's steps on it; the components know nothing of it.
+struct Control::Module : ReadingCycleOwner {
   Module(ControlEvents& events, ControlServices services);
 
   ControlEvents& events;
@@ -123,49 +64,29 @@ struct Control::Module {
   int16_t appliedRunMode = 0;
   bool applyingRunMode = false;  // set while ApplyRunMode runs (a host may answer inside it)
 
-  BufferState buffer;
-  WalkCounters walk;
   TraceDescription description;
   cSymbol symbols;
   cValues valueTexts;
   // Decimal separator of decimal texts in the table.
   char decimalSeparator = '.';
+  ReadingCycle cycle;
   // What decoding carries from record to record (the current application).
   DecodingContext decoding;
   RecordDecoder decoder;
   DecodedRecord decoded;
 
-  int16_t ErrType = 0;
-  std::string ErrMsg;
-
   Surface surface;
   TableModel grid;
+  RowStore rows;
   bool gridRedrawPending = false;
-  bool GraphShown = false;
-  GraphModel chart;
-  // Table columns drawn as series, with their header texts, from the last graph set-up.
-  std::vector<std::pair<int, std::string>> GraphColumns;
-  // Whether the last mouse press on the table hit its header row.
-  bool pressOnHeader = false;
+  GraphView graph;
+  HeaderSelection headerSelection;
   std::unique_ptr<Timer> readTimer;
   std::unique_ptr<Timer> simulTimer;
   std::vector<SurfaceObserver*> surfaceObservers;
 
-  // The simulated controller: header (write counter, last slot written 1-based, ring
-  // size at index 3), the ring of records, and the two phase angles in degrees.
-  std::array<int32_t, 5> SimHeader{};
-  std::vector<int32_t> SimRecords;
-  int32_t SimRecordCount = 0;
-  double SimAngle1 = 0;
-  int16_t SimAngle2 = 0;
-
   int32_t LastPCDStatus = 0;
   std::string PCDStatusText;
-  RowStamp stamp;
-  // Hosts' row sinks.
-  std::vector<RowSink*> rowSinks;
-  // The OutputLine text of a record row, built in a buffer kept across rows.
-  std::string eventText;
   // Set while an export ordered by the controller's command word runs.
   bool CommandedExport = false;
   // The text of the last column that could not be exported.
@@ -175,14 +96,25 @@ struct Control::Module {
   void MarkChanged(std::string_view property);
   // Tells the views that the surface changed.
   void SurfaceChanged();
-  // Raises ModulError with the number and text given.
-  void RaiseError(int16_t errType, std::string_view message);
+  LineStamps Stamps() const { return {props.DateStampCol, props.TimeStampCol, props.PCDStatusCol}; }
+
+  // What the reading cycle hands on.
+  void ReadRegisters(int16_t first, int16_t count) override;
+  void ReadDataBlock(int16_t block, int16_t offset, int16_t count) override;
+  void ReadStateChanged(int16_t state, std::string_view statusText) override;
+  void HeaderArrived() override;
+  bool LoadDescription(std::string& errMsg) override;
+  bool DecodeRecord(std::span<const int32_t> registers, size_t first) override;
+  void RecordsMissed(int64_t count) override;
+  void CounterRestarted() override;
+  void CommandChanged(int32_t command) override;
+  void RaiseError(int16_t errType, std::string_view message) override;
+  void StopOnFailure(int16_t errType, std::string_view message) override;
+  void ResumeRefresh() override;
 };
 
 using Module = Control::Module;
 
-// The module's buffer state as after a reset: no format, no key, every counter 0.
-void ResetBufferState(Module& m);
 // Creation of a control, also re-run by Reset: title, empty table, reading state 0.
 void InitializeControl(Module& m);
 

@@ -1,7 +1,5 @@
 #include "control/run_control.h"
 
-#include "acquisition/reading_cycle.h"
-
 namespace vantrel {
 
 void ShowStatus(Module& m, std::string_view text) {
@@ -17,7 +15,7 @@ void IdleUpdate(Module& m) {
 
 void ShowGridView(Module& m) {
   m.surface.graphButton.caption = "Graph";
-  m.GraphShown = false;
+  m.graph.SetShown(false);
   m.surface.gridVisible = true;
   m.surface.chartVisible = false;
   m.grid.SetRedraw(true);
@@ -26,41 +24,33 @@ void ShowGridView(Module& m) {
 
 namespace {
 
-void RequestRecords(Module& m) {
-  const int32_t count = int32_t{m.description.RecordLength} * m.buffer.RecordsToRead;
-  m.buffer.ReadCount = static_cast<int16_t>(count);
-  RequestRead(m, static_cast<int16_t>(count));
-}
-
 void ApplyRun(Module& m) {
-  if (m.buffer.ReadState < kStateHeader) {
+  if (m.cycle.State() < kStateHeader) {
     m.props.RunMode = kRunStop;
     return;
   }
-  if (m.buffer.ReadState == kStateHeader) {
-    ResetWalkCounters(m);
-    m.walk.RecordNumber = 0;
-    m.buffer.RecordsToRead = 0;
-    RequestRead(m, m.buffer.HeaderLength);
+  if (m.cycle.State() == kStateHeader) {
+    m.cycle.ResetWalk();
+    m.cycle.RequestHeader();
   }
-  if (m.buffer.ReadState == kStateRunning) {
+  if (m.cycle.State() == kStateRunning) {
     m.readTimer->SetEnabled(true);
     ShowStatus(m, "Refresh mode running");
-    RequestRead(m, static_cast<int16_t>(m.description.CounterIndex + 8));
+    m.cycle.RequestCounterArea(8);
   }
-  if (m.buffer.ReadState == kStateLoading) {
-    RequestRecords(m);
-    if (m.buffer.ReadState == kStateRunning && m.props.RunMode == kRunRefresh) {
+  if (m.cycle.State() == kStateLoading) {
+    m.cycle.RequestRecords();
+    if (m.cycle.State() == kStateRunning && m.props.RunMode == kRunRefresh) {
       m.readTimer->SetEnabled(true);
     }
   }
 }
 
 void ApplyReadOnce(Module& m) {
-  if (m.buffer.ReadState == kStateHeader) {
-    SetReadState(m, kStateRunning);
-    RequestRead(m, m.description.CounterIndex);
-    if (m.buffer.ReadState == kStateLoading) RequestRecords(m);
+  if (m.cycle.State() == kStateHeader) {
+    m.cycle.SetState(kStateRunning);
+    m.cycle.RequestCounterArea(0);
+    if (m.cycle.State() == kStateLoading) m.cycle.RequestRecords();
   }
   m.props.RunMode = kRunPause;
 }
@@ -78,13 +68,13 @@ void ApplyRunMode(Module& m) {
     case kRunStop:
       m.readTimer->SetEnabled(false);
       ShowStatus(m, "Stoped");
-      if (m.buffer.ReadState >= kStateRunning) SetReadState(m, kStateHeader);
+      if (m.cycle.State() >= kStateRunning) m.cycle.SetState(kStateHeader);
       break;
     case kRunPause:
-      if (m.buffer.ReadState < kStateHeader) {
+      if (m.cycle.State() < kStateHeader) {
         m.props.RunMode = kRunStop;
       } else {
-        SetReadState(m, kStateRunning);
+        m.cycle.SetState(kStateRunning);
         m.readTimer->SetEnabled(false);
         ShowStatus(m, "Refresh mode paused");
       }
@@ -117,6 +107,16 @@ void ChangeRunMode(Module& m, int16_t runMode) {
   m.props.RunMode = runMode;
   m.MarkChanged("RunMode");
   ApplyRunMode(m);
+}
+
+void OnReadTimer(Module& m) {
+  if (m.gridRedrawPending) {
+    m.gridRedrawPending = false;
+    m.grid.SetRedraw(true);
+  }
+  m.cycle.OnReadTimer();
+  m.surface.activityVisible = !m.surface.activityVisible;
+  m.SurfaceChanged();
 }
 
 }  // namespace vantrel

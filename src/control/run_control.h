@@ -24,6 +24,8 @@ void ChangeRunMode(Module& m, int16_t runMode);
 // Called when an answer has brought the reading state back to 3. A host that answers later,
 // outside the run-mode logic, would otherwise leave a running control without its read timer.
 void ResumeRefresh(Module& m);
+// The periodic read timer: the reading cycle's tick and the activity light.
+void OnReadTimer(Module& m);
 // Leaves the chart view for the table.
 void ShowGridView(Module& m);
 

@@ -3,10 +3,8 @@
 
 #include <optional>
 
-#include "acquisition/simulation.h"
-#include "acquisition/trace_steps.h"
-#include "decoding/grid_setup.h"
-#include "decoding/row_history.h"
+#include "control/clear.h"
+#include "control/trace_loading.h"
 #include "description/description_loader.h"
 #include "description/locator.h"
 #include "description/user_buffer.h"
@@ -24,7 +22,7 @@ DescriptionSources SourcesOf(Module& m) {
     sources.textFileDirectories.push_back(path);
   sources.readSymbolFile = [&m] { m.symbols = ReadSymbolFile(m.props.SymbFile); };
   sources.readValueTextFile = [&m](const std::string& path) {
-    ReadValueTextFile(m.valueTexts, path, m.buffer.HeaderKey, m.services.prompts);
+    ReadValueTextFile(m.valueTexts, path, m.cycle.Buffer().HeaderKey, m.services.prompts);
   };
   sources.prompts = &m.services.prompts;
   return sources;
@@ -33,41 +31,68 @@ DescriptionSources SourcesOf(Module& m) {
 void PrepareTable(Module& m) {
   ShowTitle(m, m.props.Simulation);
   BuildGrid(m);
-  AnnounceDescription(m);
+  m.rows.AnnounceDescription(HistoryDescriptionOf(m.description, m.cycle.Buffer().HeaderKey));
 }
 
-bool LoadUserBufferFile(Module& m) {
+bool LoadUserBufferFile(Module& m, std::string& errMsg) {
   if (!HasUserBufferExtension(m.props.UserFile)) {
-    m.ErrMsg = "Invalid user buffer file :\r" + m.props.UserFile;
+    errMsg = "Invalid user buffer file :\r" + m.props.UserFile;
     return false;
   }
   std::optional<UserBufferSimulation> simulation;
-  if (!LoadUserBuffer(m.description, m.props.UserFile, m.buffer.HeaderKey, m.props.Simulation,
-                      simulation, m.ErrMsg)) {
+  if (!LoadUserBuffer(m.description, m.props.UserFile, m.cycle.Buffer().HeaderKey,
+                      m.props.Simulation, simulation, errMsg)) {
     return false;
   }
-  if (simulation) PrepareSimulation(m, simulation->intervalMs, simulation->recordCount);
+  if (simulation) {
+    m.simulTimer->SetInterval(simulation->intervalMs);
+    m.cycle.Simulation().SizeRing(m.description.RecordLength, simulation->recordCount);
+  }
   PrepareTable(m);
   return true;
 }
 
 }  // namespace
 
-bool LoadTraceDescription(Module& m) {
+bool LoadTraceDescription(Module& m, std::string& errMsg) {
   m.valueTexts = cValues{};
-  if (m.props.UserFile.size() >= 2) return LoadUserBufferFile(m);
-  if (LocateDescriptionFile(m.buffer.HeaderKey, m.SearchPaths, m.services.prompts,
+  if (m.props.UserFile.size() >= 2) return LoadUserBufferFile(m, errMsg);
+  if (LocateDescriptionFile(m.cycle.Buffer().HeaderKey, m.SearchPaths, m.services.prompts,
                             m.description.DescriptionFile) != 1) {
-    m.ErrMsg = "No description file from driver found (*.vtl)";
+    errMsg = "No description file from driver found (*.vtl)";
     return false;
   }
-  if (!LoadDescription(m.description, m.buffer.HeaderLength, SourcesOf(m), m.ErrMsg)) {
+  if (!LoadDescription(m.description, m.cycle.Buffer().HeaderLength, SourcesOf(m), errMsg)) {
     return false;
   }
   m.surface.infoButton.enabled = !m.description.InfoText.empty();
   m.SurfaceChanged();
   PrepareTable(m);
   return true;
+}
+
+void ShowTitle(Module& m, bool simulated) {
+  if (simulated) {
+    m.surface.title = {"Vantrel running with congured buffer simulation", kColorRed};
+  } else {
+    m.surface.title = {"Vantrel for : " + m.description.Title + "      version " +
+                           std::to_string(m.cycle.Buffer().HeaderVersion),
+                       kColorBlack};
+  }
+  m.SurfaceChanged();
+}
+
+void ShowInfo(Module& m) {
+  if (!m.cycle.Buffer().HeaderKey.empty()) {
+    if (!m.description.InfoText.empty()) {
+      m.services.prompts.ShowMessage("Info section :\r\r" + m.description.InfoText,
+                                     m.description.DescriptionFile, MessageIcon::Information,
+                                     MessageButtons::Ok);
+    }
+    return;
+  }
+  m.services.prompts.ShowMessage("No info avalaible.", "Vantrel", MessageIcon::Information,
+                                 MessageButtons::Ok);
 }
 
 }  // namespace vantrel

@@ -1,8 +1,8 @@
 #include "vantrel/recorded_export.h"
 
 #include "decoding/cell_reading.h"
-#include "decoding/grid_setup.h"
 #include "decoding/stamps.h"
+#include "decoding/table_layout.h"
 #include "description/field_types.h"
 #include "description/profile_file.h"
 #include "output/export_naming.h"

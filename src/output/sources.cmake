@@ -1,6 +1,6 @@
 target_sources(vantrel PRIVATE
-  output/graph.cpp
   output/graph_model.cpp
+  output/graph_view.cpp
   output/recorded_export.cpp
   output/excel_file.cpp
   output/export_service.cpp

@@ -12,13 +12,13 @@
 #include <vector>
 
 #include "acquisition/string_columns.h"
-#include "decoding/grid_setup.h"
 #include "decoding/record_decoder.h"
 #include "description/column_parser.h"
 #include "description/profile_file.h"
-#include "support/module_fixture.h"
 #include "symbols/symbol_file.h"
 #include "symbols/value_text_file.h"
+#include "vantrel/manual_clock.h"
+#include "vantrel/scripted_prompts.h"
 
 namespace vantrel {
 namespace {
@@ -133,12 +133,13 @@ struct Decoded {
 };
 
 Decoded Decode(const Example& e) {
-  testing::ModuleFixture f;
-  Module& m = f.m;
-  TraceDescription& d = m.description;
+  TraceDescription d;
+  cSymbol symbols;
+  cValues valueTexts;
+  ScriptedPrompts prompts;
   d.DefaultColumnWidth = 900;
   if (!e.header.empty()) d.StringIndex = "12";
-  ReadValueTextFile(m.valueTexts, kValueTexts, kValueTextKey, f.prompts);
+  ReadValueTextFile(valueTexts, kValueTexts, kValueTextKey, prompts);
   // The lines belong to [REGISTER_0] until a section header names the next register.
   std::string sections = "[REGISTER_0]\n";
   d.RecordLength = 1;
@@ -150,20 +151,23 @@ Decoded Decode(const Example& e) {
   const ProfileFile file = ProfileFile::Parse(sections);
   for (int n = 0; n < d.RecordLength; ++n) {
     if (!ParseRegisterSection(
-            d, file, "REGISTER_", n, [&m] { m.symbols = ReadSymbolFile(kSymbols); }, out.error)) {
+            d, file, "REGISTER_", n, [&symbols] { symbols = ReadSymbolFile(kSymbols); },
+            out.error)) {
       return out;
     }
   }
   ResolveStringColumns(d, e.header);
-  f.Build();
-  if (!DecodeRecord(m, e.registers, 0)) {
-    out.error = "the record was not decoded";
+  const ManualClock clock;
+  RecordDecoder decoder({d, symbols, valueTexts, clock});
+  DecodingContext context;
+  DecodedRecord record;
+  if (!decoder.Decode(e.registers, 0, context, record)) {
+    out.error = "the record was not decoded: " + record.failureMessage;
     return out;
   }
-  const TableRow& row = m.grid.Row(m.grid.RowCount() - 1);
-  for (size_t c = 0; c < row.cells.Size(); ++c) {
-    out.shows += std::string(c > 0 ? "<br>" : "") + std::string(row.cells.Text(c));
-    out.raw += std::string(c > 0 ? ";" : "") + std::to_string(row.cells.Raw(c));
+  for (size_t c = 0; c < record.cells.Size(); ++c) {
+    out.shows += std::string(c > 0 ? "<br>" : "") + std::string(record.cells.Text(c));
+    out.raw += std::string(c > 0 ? ";" : "") + std::to_string(record.cells.Raw(c));
   }
   return out;
 }

@@ -44,14 +44,13 @@ TEST(ExportConfinement, EveryNamingModeAndExportIndexStaysInTheConfiguredFolder)
     for (const int16_t indexFile : {int16_t{0}, int16_t{1}, int16_t{2}}) {
       for (const int32_t exportIndex : {INT32_MIN, 0, INT32_MAX}) {
         Confined t;
-        t.m.buffer.ExportIndex = exportIndex;
-        t.m.props.IndexFile = indexFile;
-        t.m.CommandedExport = true;
+        t.exportIndex = exportIndex;
+        t.indexFile = indexFile;
         t.Export(format, "out/trace.x");
         const std::string where = "format " + std::to_string(format) + " mode " +
                                   std::to_string(indexFile) + " index " +
                                   std::to_string(exportIndex);
-        EXPECT_EQ(t.m.grid.DataRowCount(), 0) << where << ": the export succeeded";
+        EXPECT_TRUE(t.result.written) << where;
         int written = 0;
         for (const std::string& file : t.Files()) {
           if (file == "elsewhere/victim") continue;
@@ -72,15 +71,13 @@ TEST(ExportConfinement, ALinkInTheTargetsPlaceIsNotWrittenThrough) {
       Confined t;
       const std::string victim = dangling ? t.dir.File("elsewhere/new") : t.Victim();
       fs::create_symlink(victim, t.dir.Path() / "out/trace.x");
-      t.m.CommandedExport = true;
       t.Export(format, "out/trace.x");
       const std::string where = "format " + std::to_string(format) + (dangling ? " dangling" : "");
-      EXPECT_EQ(t.m.grid.DataRowCount(), 4) << where << ": the table is kept";
+      EXPECT_FALSE(t.result.written) << where;
       EXPECT_EQ(ReadBytes(t.Victim()), "keep") << where;
       EXPECT_FALSE(fs::exists(t.dir.File("elsewhere/new"))) << where;
-      ASSERT_FALSE(t.prompts.Messages().empty()) << where;
-      EXPECT_EQ(t.prompts.Messages().back().text.rfind("ExportExcelFile Error ", 0), 0u)
-          << where << ": " << t.prompts.Messages().back().text;
+      EXPECT_EQ(t.result.outcome.text.rfind("ExportExcelFile Error ", 0), 0u)
+          << where << ": " << t.result.outcome.text;
     }
   }
 }

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "output/fixed_trace.h"
-#include "output/output_steps.h"
 
 namespace vantrel {
 namespace {
@@ -37,8 +36,8 @@ TEST(ExportFormats, TheExcel2FileIsByteForByteTheReference) {
 TEST(ExportFormats, CsvReadsBackAsTheTableWithIsoDatesAndDecimalPoints) {
   FixedTrace trace;
   const std::string path = trace.Export(2, "trace.csv");
-  EXPECT_TRUE(trace.prompts.Messages().empty());
-  EXPECT_EQ(trace.m.grid.DataRowCount(), 0) << "the table is emptied after the export";
+  EXPECT_TRUE(trace.result.written);
+  EXPECT_TRUE(trace.result.messages.empty());
   const std::string bytes = ReadBytes(path);
   ASSERT_GE(bytes.size(), 3u);
   EXPECT_EQ(bytes.substr(0, 3), "\xEF\xBB\xBF");
@@ -55,39 +54,17 @@ TEST(ExportFormats, CsvReadsBackAsTheTableWithIsoDatesAndDecimalPoints) {
   EXPECT_EQ(rows, expected);
 }
 
-TEST(ExportFormats, DefaultNamesFollowTheFormat) {
-  for (const auto& [format, name] : {std::pair<int16_t, const char*>{0, "Vantrel.xls"},
-                                     {1, "Vantrel.xlsx"},
-                                     {2, "Vantrel.csv"}}) {
-    FixedTrace trace;
-    trace.m.services.currentDirectory = trace.dir.Path().string();
-    trace.m.props.ExportFormat = format;
-    trace.m.CommandedExport = true;  // with no export file, a commanded export uses the default
-    ExportFromButton(trace.m);
-    EXPECT_EQ(trace.m.props.ExportFile, trace.dir.Path().string() + "/" + name);
-  }
-}
-
-TEST(ExportFormats, XlsxWithoutAWriterFailsAndKeepsTheTable) {
+TEST(ExportFormats, FailuresLeaveNoFileAndSayWhy) {
   FixedTrace trace;
-  trace.m.CommandedExport = true;
-  const std::string path = trace.Export(1, "trace.xlsx");
-  EXPECT_EQ(trace.m.grid.DataRowCount(), 4);
-  EXPECT_FALSE(std::ifstream(path).good()) << "no file is left behind";
-  ASSERT_EQ(trace.prompts.Messages().size(), 1u);
-  EXPECT_EQ(trace.prompts.Messages()[0].text,
+  const std::string xlsx = trace.Export(1, "trace.xlsx");
+  EXPECT_TRUE(trace.result.failed);
+  EXPECT_FALSE(std::ifstream(xlsx).good()) << "no file is left behind";
+  EXPECT_EQ(trace.result.outcome.text,
             "ExportExcelFile Error XLSX export is not available in this host");
-}
-
-TEST(ExportFormats, AnUnwritableCsvFailsAndKeepsTheTable) {
-  FixedTrace trace;
-  trace.m.CommandedExport = true;
-  trace.m.props.ExportFormat = 2;
-  trace.m.props.ExportFile = trace.dir.File("missing-folder/trace.csv");
-  ExportFromButton(trace.m);
-  EXPECT_EQ(trace.m.grid.DataRowCount(), 4);
-  ASSERT_EQ(trace.prompts.Messages().size(), 1u);
-  EXPECT_EQ(trace.prompts.Messages()[0].title, "Vantrel exportation aborted !");
+  trace.Export(2, "missing-folder/trace.csv");
+  EXPECT_TRUE(trace.result.failed);
+  EXPECT_FALSE(trace.result.written);
+  EXPECT_EQ(trace.result.outcome.title, "Vantrel exportation aborted !");
 }
 
 }  // namespace

@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "decoding/row_bookkeeping.h"
-#include "output/output_steps.h"
-#include "support/module_fixture.h"
+#include "output/export_naming.h"
 #include "support/temp_dir.h"
+#include "support/trace_table.h"
 
 namespace vantrel::testing {
 
@@ -21,38 +20,42 @@ inline std::string ReadBytes(const std::string& path) {
 
 // A fixed trace: stamps, numbers with the decimal comma, a controller date and time column,
 // texts with a comma, quotes and a Windows-1252 letter, and a Miss row.
-struct FixedTrace : ModuleFixture {
+struct FixedTrace : TraceTable {
   FixedTrace() {
     Define(1, 4, 0, 0, "Level", "2d", 900);
     Define(2, 5, 1, 0, "Stamp", "t", 1700);
     Define(3, 3, 2, 0, "State, now", "s", 1100);
     Define(4, 5, 3, 0, "Note", "a", 1000);
     Build();
-    m.decimalSeparator = ',';
-    m.props.DateStampCol = true;
-    m.props.TimeStampCol = true;
-    m.props.PCDStatusCol = true;
-    m.PCDStatusText = "Run";
-    const char* rows[][5] = {
+    decimalSeparator = ',';
+    shown = {true, true, true};  // exported, though the table was built without them
+    status = "Run";
+    const char* texts[][5] = {
         {"08:15:30", " 12,50", "14/11/26 23:59:58", "Running", "plain"},
         {"08:15:31", "-3,25", "15/11/26 00:00:01", "Stop, then \"wait\"", "caf\xE9"},
         {"08:15:32", " 0", "31/12/99 12:00:00", "Idle", "line"},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : texts) {
       StampAt(row[0]);
       AddTextRow({row[1], row[2], row[3], row[4]});
     }
-    AddMissRow(m, 4);
-    m.description.Title = "Pump station";
-    m.description.HeaderKeyText = "PMP1";
-    m.description.DescVersion = 3;
+    AddMissRow(4);
+    description.Title = "Pump station";
+    description.HeaderKeyText = "PMP1";
+    description.DescVersion = 3;
   }
+  // Exports the table to `name` in the test's directory, named by `indexFile` as the control
+  // names its exports, and returns the configured file's path.
   std::string Export(int16_t format, const std::string& name) {
-    m.props.ExportFormat = format;
-    m.props.ExportFile = dir.File(name);
-    ExportFromButton(m);
-    return m.props.ExportFile;
+    const DateTime now{2026, 11, 15, 8, 15, 32, 0};
+    const std::string target = ExportTargetName(dir.File(name), indexFile, now, exportIndex);
+    result = TraceTable::Export(format, target, xlsx, indexFile == 0);
+    return dir.File(name);
   }
+  int16_t indexFile = 0;
+  int32_t exportIndex = 0;
+  TableExporter* xlsx = nullptr;
+  ExportResult result;
   TempDir dir;
 };
 

@@ -27,28 +27,27 @@ std::vector<std::string> Split(const std::string& text, char separator) {
 
 // A decoded trace with every kind of cell: stamps, numbers, a date and time column, texts,
 // and a text column whose third row is too long for the format.
-struct DecodedTrace : testing::ModuleFixture {
+struct DecodedTrace : testing::TraceTable {
   DecodedTrace() {
     Define(1, 4, 0, 0, "Level", "d", 900);
     Define(2, 5, 1, 0, "Stamp", "t", 1700);
     Define(3, 3, 2, 0, "State", "s", 1100);
     Define(4, 5, 3, 0, "Note", "a", 1000);
     Build();
-    m.props.DateStampCol = true;
-    m.props.TimeStampCol = true;
-    m.PCDStatusText = "Run";
-    const char* rows[][4] = {{"08:15:30", " 12", "14/11/26 23:59:58", "Running"},
-                             {"08:15:31", "-3.25", "15/11/26 00:00:01", "Stopping"},
-                             {"08:15:32", "1E3", "31/12/99 12:00:00", "Idle"}};
+    shown.date = true;
+    shown.time = true;
+    status = "Run";
+    const char* texts[][4] = {{"08:15:30", " 12", "14/11/26 23:59:58", "Running"},
+                              {"08:15:31", "-3.25", "15/11/26 00:00:01", "Stopping"},
+                              {"08:15:32", "1E3", "31/12/99 12:00:00", "Idle"}};
     int i = 0;
-    for (const auto& row : rows) {
+    for (const auto& row : texts) {
       StampAt(row[0]);
       const std::string note = i == 2 ? std::string(300, 'n') : "note" + std::to_string(i);
       AddTextRow({row[1], row[2], row[3], note});
       ++i;
     }
-    m.props.ExportFile = dir.File("trace.xls");
-    ExportFromButton(m);
+    Export(kExportExcel2, dir.File("trace.xls"));
   }
   testing::TempDir dir;
 };

@@ -1,5 +1,5 @@
-// Exporting the table: file names, the columns written and their cell types, the messages
-// of commanded exports, and the table kept or emptied.
+// Exporting the table: file names, the columns chosen and their cell types, and what the
+// export reports of the columns it could not write.
 
 #include "output/trace_export.h"
 
@@ -8,13 +8,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include "decoding/row_bookkeeping.h"
 #include "output/export_naming.h"
-#include "output/output_steps.h"
 #include "platform/date_serial.h"
 #include "support/biff_reader.h"
-#include "support/module_fixture.h"
 #include "support/temp_dir.h"
+#include "support/trace_table.h"
 
 namespace vantrel {
 namespace {
@@ -44,82 +42,58 @@ TEST(DateSerials, TextsOfTheTableReadBack) {
 }
 
 // A table of three trace columns (a number, a date and time stamp, a text) and two rows.
-struct ExportFixture : testing::ModuleFixture {
+struct ExportFixture : testing::TraceTable {
   ExportFixture() {
     Define(1, 4, 0, 0, "Level", "d", 900);
     Define(2, 5, 1, 0, "Stamp", "t", 1700);
     Define(3, 5, 2, 0, "Name", "gs", 1400);
     Build();  // columns: number, date, time, status, Level, Stamp, Name
     StampAt(8, 15, 30);
-    m.PCDStatusText = "Run";
+    status = "Run";
     AddTextRow({" 12", "14/11/26 23:59:58", "Pump"});
     StampAt(8, 15, 31);
     AddTextRow({"-3.5", "15/11/26 00:00:01", "Valve"});
-    m.props.ExportFile = dir.File("trace.xls");
-    m.services.currentDirectory = dir.Path().string();
   }
-  BiffSheet Sheet(const std::string& name = "trace.xls") const {
-    return ReadBiffFile(dir.File(name));
+  ExportResult Export() { return TraceTable::Export(kExportExcel2, dir.File("trace.xls")); }
+  BiffSheet Sheet() const { return ReadBiffFile(dir.File("trace.xls")); }
+  std::vector<std::string> Headers() const {
+    std::vector<std::string> out;
+    const BiffSheet sheet = Sheet();
+    for (int c = 1; sheet.Cell(1, c) != nullptr; ++c)
+      out.push_back(sheet.Cell(1, c)->text);
+    return out;
   }
-  int DataRows() const { return m.grid.RowCount() - 1; }
 
   testing::TempDir dir;
 };
 
 // The cells' types, values and formats are read back by an independent reader in
-// readback_test.cpp.
-TEST(Export, ShownColumnsWithTheirWidthsAndTheTableEmptied) {
+// readback_test.cpp. Selected columns are exported whatever the stamps say; without a
+// selection, every shown column.
+TEST(Export, TheChosenColumnsWithTheirWidths) {
+  using Headers = std::vector<std::string>;
   ExportFixture f;
-  f.m.props.DateStampCol = true;
-  f.m.props.TimeStampCol = true;
-  ExportFromButton(f.m);
-  const BiffSheet sheet = f.Sheet();
-  ASSERT_TRUE(sheet.wellFormed);
-  // Date, time, Level, Stamp, Name: the status column is not shown.
-  const std::vector<std::string> headers{"PC Date", "PC Time", "Level", "Stamp", "Name"};
-  for (int c = 1; c <= 5; ++c) {
-    ASSERT_NE(sheet.Cell(1, c), nullptr) << c;
-    EXPECT_EQ(sheet.Cell(1, c)->text, headers[static_cast<size_t>(c - 1)]);
-  }
-  EXPECT_EQ(sheet.Cell(1, 6), nullptr);
-  EXPECT_EQ(sheet.widths.at(4), 17) << "twips / 100";
-  EXPECT_EQ(f.host.Named("NewExportFile").size(), 1u);
-  EXPECT_EQ(f.DataRows(), 0) << "the table is emptied after the export";
-  EXPECT_TRUE(f.prompts.Messages().empty());
-  EXPECT_FALSE(f.m.surface.busyCursor);
-}
-
-TEST(Export, SelectedColumnsOnlyWhateverTheStampsSay) {
-  ExportFixture f;
-  f.m.props.DateStampCol = true;
-  f.m.grid.SetSelected(4, true);
-  f.m.grid.SetSelected(6, true);
-  ExportFromButton(f.m);
-  const BiffSheet sheet = f.Sheet();
-  EXPECT_EQ(sheet.Cell(1, 1)->text, "Level");
-  EXPECT_EQ(sheet.Cell(1, 2)->text, "Name");
-  EXPECT_EQ(sheet.Cell(1, 3), nullptr);
-  EXPECT_EQ(sheet.Cell(2, 2)->text, "Pump");
-}
-
-TEST(Export, HiddenStampColumnsAreLeftOut) {
-  ExportFixture f;
-  f.m.props.DateStampCol = true;
-  f.m.props.PCDStatusCol = true;
-  ExportFromButton(f.m);
-  const BiffSheet sheet = f.Sheet();
-  EXPECT_EQ(sheet.Cell(1, 1)->text, "PC Date");
-  EXPECT_EQ(sheet.Cell(1, 2)->text, "PCD");
-  EXPECT_EQ(sheet.Cell(2, 2)->text, "Run");
-  EXPECT_EQ(sheet.Cell(1, 3)->text, "Level");
+  f.shown = {true, true, false};
+  ASSERT_TRUE(f.Export().written);
+  EXPECT_EQ(f.Headers(), (Headers{"PC Date", "PC Time", "Level", "Stamp", "Name"}));
+  EXPECT_EQ(f.Sheet().widths.at(4), 17) << "twips / 100";
+  f.shown = {true, false, true};
+  f.Export();
+  EXPECT_EQ(f.Headers(), (Headers{"PC Date", "PCD", "Level", "Stamp", "Name"}));
+  EXPECT_EQ(f.Sheet().Cell(2, 2)->text, "Run");
+  f.table.SetSelected(4, true);
+  f.table.SetSelected(6, true);
+  f.Export();
+  EXPECT_EQ(f.Headers(), (Headers{"Level", "Name"}));
+  EXPECT_EQ(f.Sheet().Cell(2, 2)->text, "Pump");
 }
 
 TEST(Export, NumbersFollowTheTableDecimalSeparator) {
   ExportFixture f;
-  f.m.decimalSeparator = ',';
+  f.decimalSeparator = ',';
   f.AddTextRow({"12,5", "", "abc"});
   f.AddTextRow({"-3.5", "", "x"});
-  ExportFromButton(f.m);
+  f.Export();
   const BiffSheet sheet = f.Sheet();
   EXPECT_EQ(sheet.Cell(4, 1)->id, 3);
   EXPECT_DOUBLE_EQ(sheet.Cell(4, 1)->number, 12.5);
@@ -128,11 +102,10 @@ TEST(Export, NumbersFollowTheTableDecimalSeparator) {
   EXPECT_EQ(sheet.Cell(4, 3)->text, "abc");
 }
 
-TEST(Export, AFailedColumnStopsAloneAndIsReportedWhenCommanded) {
+TEST(Export, AFailedColumnStopsAloneAndIsReported) {
   ExportFixture f;
   f.AddTextRow({"1", "Invalid time", std::string(256, 'x')});
-  f.m.CommandedExport = true;
-  ExportFromButton(f.m);
+  const ExportResult result = f.Export();
   const BiffSheet sheet = f.Sheet();
   ASSERT_TRUE(sheet.wellFormed);
   EXPECT_EQ(sheet.Cell(4, 1)->number, 1.0);
@@ -140,90 +113,23 @@ TEST(Export, AFailedColumnStopsAloneAndIsReportedWhenCommanded) {
   EXPECT_EQ(sheet.Cell(4, 2), nullptr);
   EXPECT_EQ(sheet.Cell(3, 3)->text, "Valve");
   EXPECT_EQ(sheet.Cell(4, 3), nullptr);
-  const auto& shown = f.prompts.Messages();
-  ASSERT_EQ(shown.size(), 3u);
-  EXPECT_EQ(shown[0].text, "WriteColumn 5 Error : Type mismatch");
-  EXPECT_EQ(shown[0].title, "Vantrel exportation aborted !");
-  EXPECT_EQ(shown[1].text, "WriteColumn 6 Error : Overflow");
-  EXPECT_EQ(shown[2].text, "Successful export to file : " + f.dir.File("trace.xls"));
-  EXPECT_EQ(f.DataRows(), 0);
+  EXPECT_TRUE(result.written);
+  ASSERT_EQ(result.messages.size(), 2u);
+  EXPECT_EQ(result.messages[0].text, "WriteColumn 5 Error : Type mismatch");
+  EXPECT_EQ(result.messages[0].title, "Vantrel exportation aborted !");
+  EXPECT_EQ(result.messages[1].text, "WriteColumn 6 Error : Overflow");
+  EXPECT_EQ(result.outcome.text, "Successful export to file : " + f.dir.File("trace.xls"));
 }
 
-TEST(Export, AutomaticExportsShowNothing) {
-  ExportFixture f;
-  f.AddTextRow({"1", "Invalid time", "x"});
-  f.m.CommandedExport = true;
-  f.m.props.AutoExport = true;
-  ExportFromButton(f.m);
-  EXPECT_TRUE(f.prompts.Messages().empty());
-  EXPECT_EQ(f.DataRows(), 0);
-}
-
-TEST(Export, TheTableStaysWhenNothingCouldBeWritten) {
-  ExportFixture f;
-  f.m.props.ExportFile = f.dir.File("no/such/dir/trace.xls");
-  f.m.CommandedExport = true;
-  ExportFromButton(f.m);
-  EXPECT_EQ(f.DataRows(), 2);
-  ASSERT_GE(f.prompts.Messages().size(), 2u);
-  EXPECT_EQ(f.prompts.Messages()[0].text.rfind("Open File : ", 0), 0u);
-  EXPECT_EQ(f.prompts.Messages().back().text, "ExportExcelFile Error Path/File access error");
-  EXPECT_FALSE(f.m.surface.busyCursor);
-}
-
-TEST(Export, NoColumnToWriteKeepsTheTableAndRemovesTheFile) {
-  testing::ModuleFixture f;
+TEST(Export, NoColumnToWriteRemovesTheFile) {
+  testing::TraceTable f;
   testing::TempDir dir;
   f.Build();  // no trace column: only the stamp columns, all hidden
   f.AddTextRow({});
-  f.m.props.ExportFile = dir.File("empty.xls");
-  f.m.CommandedExport = true;
-  ExportFromButton(f.m);
+  const ExportResult result = f.Export(kExportExcel2, dir.File("empty.xls"));
   EXPECT_FALSE(std::filesystem::exists(dir.File("empty.xls")));
-  EXPECT_EQ(f.m.grid.RowCount(), 2);
-  ASSERT_EQ(f.prompts.Messages().size(), 1u);
-  EXPECT_EQ(f.prompts.Messages()[0].text, "Export aborted : No data to export !");
-}
-
-TEST(Export, TheButtonNeedsADataRow) {
-  testing::ModuleFixture f;
-  testing::TempDir dir;
-  f.Define(1, 4, 0, 0, "A", "d");
-  f.Build();
-  f.m.props.ExportFile = dir.File("t.xls");
-  ExportFromButton(f.m);
-  EXPECT_FALSE(std::filesystem::exists(dir.File("t.xls")));
-  EXPECT_TRUE(f.host.Named("NewExportFile").empty());
-}
-
-TEST(Export, WithoutAnExportFile) {
-  ExportFixture f;
-  f.m.props.ExportFile.clear();
-  ExportFromButton(f.m);
-  ASSERT_EQ(f.prompts.Messages().size(), 1u);
-  EXPECT_EQ(f.prompts.Messages()[0].text, "No export file defined !");
-  EXPECT_EQ(f.prompts.Messages()[0].title, "Vantrel Export File");
-  EXPECT_EQ(f.DataRows(), 2);
-
-  f.m.props.AutoExport = true;
-  ExportFromButton(f.m);
-  EXPECT_EQ(f.m.props.ExportFile, f.dir.File("Vantrel.xls"));
-  EXPECT_TRUE(f.Sheet("Vantrel.xls").wellFormed);
-}
-
-TEST(Export, NamingModesWriteTheirFiles) {
-  ExportFixture f;
-  f.m.props.IndexFile = 1;
-  f.m.props.ExportFile = f.dir.Path().string() + "/";
-  ExportFromButton(f.m);
-  EXPECT_EQ(f.m.props.ExportFile, f.dir.File("Vantrel.xls"));
-  EXPECT_TRUE(f.Sheet("Vantrel_261115081530.xls").wellFormed);
-
-  f.AddTextRow({"1", "", ""});
-  f.m.props.IndexFile = 2;
-  f.m.buffer.ExportIndex = 7;
-  ExportFromButton(f.m);
-  EXPECT_TRUE(f.Sheet("Vantrel_7.xls").wellFormed);
+  EXPECT_FALSE(result.written);
+  EXPECT_EQ(result.outcome.text, "Export aborted : No data to export !");
 }
 
 TEST(Export, AnOldLongerFileKeepsItsTail) {
@@ -232,7 +138,7 @@ TEST(Export, AnOldLongerFileKeepsItsTail) {
     std::ofstream old(f.dir.File("trace.xls"), std::ios::binary);
     old << std::string(5000, 'z');
   }
-  ExportFromButton(f.m);
+  f.Export();
   EXPECT_EQ(std::filesystem::file_size(f.dir.File("trace.xls")), 5000u);
   EXPECT_TRUE(f.Sheet().wellFormed);
 }

@@ -1,19 +1,30 @@
 #pragma once
 // The empty record table built from the trace description: record number, PC date, PC time,
-// controller status, then one column per defined trace column. Also the title line and the
-// information button.
+// controller status, then one column per defined trace column.
 
 #include <array>
 #include <cstdint>
 
-#include "control/module.h"
+#include <string>
+
+#include "description/trace_description.h"
+#include "vantrel/table_model.h"
 
 namespace vantrel {
 
 inline constexpr int32_t kStampColumnWidth = 1100;
 
+// The table's font and which stamp columns are shown.
+struct TableLayout {
+  const std::string& fontName;
+  const std::string& fontSize;
+  bool dateStampCol = false;
+  bool timeStampCol = false;
+  bool pcdStatusCol = false;
+};
+
 // Builds the empty table; false when building failed part-way.
-bool BuildGrid(Module& m);
+bool BuildTable(TableModel& grid, const TraceDescription& description, const TableLayout& layout);
 
 // Column widths and header selections kept across a rebuild of the table.
 struct SavedGridColumns {
@@ -23,12 +34,5 @@ struct SavedGridColumns {
 };
 SavedGridColumns SaveGridColumns(const TableModel& grid);
 void RestoreGridColumns(TableModel& grid, const SavedGridColumns& saved);
-
-// Writes the title line: the description's title and the buffer version, or the notice of
-// a simulated buffer.
-void ShowTitle(Module& m, bool simulated);
-
-// The information button: the description's information text, or "No info avalaible.".
-void ShowInfo(Module& m);
 
 }  // namespace vantrel

@@ -1,4 +1,4 @@
-#include "decoding/grid_setup.h"
+#include "decoding/table_layout.h"
 
 #include <string>
 
@@ -18,18 +18,13 @@ void SetHeader(TableModel& grid, int column, const char* caption, int32_t width)
 
 }  // namespace
 
-bool BuildGrid(Module& m) {
-  TableModel& grid = m.grid;
+bool BuildTable(TableModel& grid, const TraceDescription& description, const TableLayout& layout) {
   try {
-    grid.SetFontName(m.props.GridFontName);
-    grid.SetFontSize(Val(m.props.GridFontSize));
-    m.walk.RecordCount = 0;
-    m.surface.recordCount.caption = "0";
-    m.surface.rowCount.caption = "0";
-    m.SurfaceChanged();
+    grid.SetFontName(layout.fontName);
+    grid.SetFontSize(Val(layout.fontSize));
 
     int defined = 0;
-    for (const ColumnDef& column : m.description.Columns)
+    for (const ColumnDef& column : description.Columns)
       defined += column.Defined ? 1 : 0;
 
     grid.SetRowCount(1);
@@ -37,12 +32,12 @@ bool BuildGrid(Module& m) {
     grid.SetColumnCount(defined + kFirstTraceColumn);
     grid.SetRowCount(2);
     SetHeader(grid, 0, "", 500);
-    SetHeader(grid, 1, "PC Date", m.props.DateStampCol ? kStampColumnWidth : 0);
-    SetHeader(grid, 2, "PC Time", m.props.TimeStampCol ? kStampColumnWidth : 0);
-    SetHeader(grid, 3, "PCD", m.props.PCDStatusCol ? kStampColumnWidth : 0);
+    SetHeader(grid, 1, "PC Date", layout.dateStampCol ? kStampColumnWidth : 0);
+    SetHeader(grid, 2, "PC Time", layout.timeStampCol ? kStampColumnWidth : 0);
+    SetHeader(grid, 3, "PCD", layout.pcdStatusCol ? kStampColumnWidth : 0);
     int gridColumn = 4;
-    for (int number = 0; number < static_cast<int>(m.description.Columns.size()); ++number) {
-      const ColumnDef& column = m.description.Columns[static_cast<size_t>(number)];
+    for (int number = 0; number < static_cast<int>(description.Columns.size()); ++number) {
+      const ColumnDef& column = description.Columns[static_cast<size_t>(number)];
       if (!column.Defined) continue;
       grid.SetColumnWidth(gridColumn, column.Width);
       grid.SetColumnAlignment(gridColumn, kAlignLeftCenter);
@@ -75,30 +70,6 @@ void RestoreGridColumns(TableModel& grid, const SavedGridColumns& saved) {
     grid.SetColumnWidth(i, saved.width[static_cast<size_t>(i)]);
     if (saved.selected[static_cast<size_t>(i)]) grid.SetSelected(i, true);
   }
-}
-
-void ShowTitle(Module& m, bool simulated) {
-  if (simulated) {
-    m.surface.title = {"Vantrel running with congured buffer simulation", kColorRed};
-  } else {
-    m.surface.title = {"Vantrel for : " + m.description.Title + "      version " +
-                           std::to_string(m.buffer.HeaderVersion),
-                       kColorBlack};
-  }
-  m.SurfaceChanged();
-}
-
-void ShowInfo(Module& m) {
-  if (!m.buffer.HeaderKey.empty()) {
-    if (!m.description.InfoText.empty()) {
-      m.services.prompts.ShowMessage("Info section :\r\r" + m.description.InfoText,
-                                     m.description.DescriptionFile, MessageIcon::Information,
-                                     MessageButtons::Ok);
-    }
-    return;
-  }
-  m.services.prompts.ShowMessage("No info avalaible.", "Vantrel", MessageIcon::Information,
-                                 MessageButtons::Ok);
 }
 
 }  // namespace vantrel
