@@ -64,14 +64,6 @@ std::pair<int, QString> RunViewer(const QStringList& args, const QProcessEnviron
   return {ended ? viewer.exitCode() : -1, QString::fromLocal8Bit(viewer.readAll())};
 }
 
-// Options of a window reading the virtual controller quickly.
-ViewerOptions Fast() {
-  ViewerOptions o;
-  o.recordIntervalMs = 10;
-  o.interval = 50;
-  return o;
-}
-
 // Share of the pixels of `area` that are much darker than the background: text and lines.
 double InkShare(const QImage& image, const QRect& area) {
   int dark = 0;
@@ -158,20 +150,19 @@ class ViewerTest : public QObject {
     dialog.ExportFormat()->setCurrentIndex(1);
     dialog.HistoryFile()->setText(u"/tmp/trace.db"_s);
     dialog.Apply();
-    QCOMPARE(control.Interval(), 250);
-    QCOMPARE(control.MaxRows(), 2000);
-    QVERIFY(control.DateStampCol());
-    QCOMPARE(control.ExportFile(), std::string("/tmp/\xE9t\xE9.xls"));
-    QCOMPARE(control.IndexFile(), int16_t{2});
-    QCOMPARE(control.ExportFormat(), int16_t{1});
-    QCOMPARE(control.HistoryFile(), std::string("/tmp/trace.db"));
+    QVERIFY(std::tuple(control.Interval(), control.MaxRows(), control.DateStampCol(),
+                       control.ExportFile(), control.IndexFile(), control.ExportFormat(),
+                       control.HistoryFile()) ==
+            std::tuple(250, 2000, true, "/tmp/\xE9t\xE9.xls", 2, 1, "/tmp/trace.db"));
     QCOMPARE(changed, (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile",
                                    "ExportFormat", "HistoryFile"}));
   }
 
   void aWindowReadsTheVirtualControllerKeepingItsRowsAndSettings() {
     QTemporaryDir dir;
-    ViewerOptions o = Fast();
+    ViewerOptions o;  // reading the virtual controller quickly
+    o.recordIntervalMs = 10;
+    o.interval = 50;
     o.timeColumn = true;
     o.historyFile = dir.filePath(u"trace.db"_s).toStdString();
     o.exportFile = dir.filePath(u"trace.xlsx"_s).toStdString();
