@@ -46,14 +46,13 @@ ParseOutcome Parse(std::vector<std::string> args, ViewerOptions& options) {
   return ParseViewerOptions(static_cast<int>(argv.size()), argv.data(), options);
 }
 
-QProcessEnvironment Offscreen() {
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-  return environment;
-}
-
-// Runs the viewer program: its exit code (-1 when it crashed or hung) and all it printed.
-std::pair<int, QString> RunViewer(const QStringList& args, const QProcessEnvironment& env) {
+// Runs the viewer program on the offscreen platform, or with no display at all: its exit code
+// (-1 when it crashed or hung) and all it printed.
+std::pair<int, QString> RunViewer(const QStringList& args, bool offscreen) {
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+    env.remove(QLatin1String(name));
+  if (offscreen) env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
   QProcess viewer;
   viewer.setProcessEnvironment(env);
   viewer.setProcessChannelMode(QProcess::MergedChannels);
@@ -249,37 +248,33 @@ class ViewerTest : public QObject {
     QTemporaryDir dir;
     const QString table = dir.filePath(u"table.png"_s), graph = dir.filePath(u"graph.png"_s),
                   none = dir.filePath(u"none.png"_s);
-    QProcessEnvironment noDisplay = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-      noDisplay.remove(QLatin1String(name));
     const struct {
       QStringList args;
-      QProcessEnvironment environment;
+      bool offscreen;
       int exitCode;
       QStringList says;
-    } runs[] = {
-        {{"--screenshot", table, "--after-records", "30"}, Offscreen(), 0, {"30 rows shown"}},
-        {{"--screenshot", graph, "--after-records", "25", "--graph-columns", "Level cm,Pressure",
-          "--size", "900x600"},
-         Offscreen(),
-         0,
-         {}},
-        {{"--screenshot", dir.filePath(u"nothing.png"_s), "--graph-columns", "Nothing"},
-         Offscreen(),
-         1,
-         {"no data column is named \"Nothing\""}},
-        // The locator's question is printed and answered No, not left waiting on a box no one
-        // sees; the error that follows ends the run without waiting for rows.
-        {{"--resource-path", dir.path(), "--screenshot", none},
-         Offscreen(),
-         1,
-         {"The file PMP1.vtld was not found.", "answered No",
-          "ModulError 10: No description file from driver found (*.vtl)",
-          "no rows: reading stopped on error 10"}},
-        // Without a display the viewer points elsewhere.
-        {{}, noDisplay, 2, {"vantrel run", "QT_QPA_PLATFORM=offscreen"}}};
+    } runs[] = {{{"--screenshot", table, "--after-records", "30"}, true, 0, {"30 rows shown"}},
+                {{"--screenshot", graph, "--after-records", "25", "--graph-columns",
+                  "Level cm,Pressure", "--size", "900x600"},
+                 true,
+                 0,
+                 {}},
+                {{"--screenshot", dir.filePath(u"nothing.png"_s), "--graph-columns", "Nothing"},
+                 true,
+                 1,
+                 {"no data column is named \"Nothing\""}},
+                // The locator's question is printed and answered No, not left waiting on a box no
+                // one sees; the error that follows ends the run without waiting for rows.
+                {{"--resource-path", dir.path(), "--screenshot", none},
+                 true,
+                 1,
+                 {"The file PMP1.vtld was not found.", "answered No",
+                  "ModulError 10: No description file from driver found (*.vtl)",
+                  "no rows: reading stopped on error 10"}},
+                // Without a display the viewer points elsewhere.
+                {{}, false, 2, {"vantrel run", "QT_QPA_PLATFORM=offscreen"}}};
     for (const auto& expected : runs) {
-      const auto [exitCode, output] = RunViewer(expected.args, expected.environment);
+      const auto [exitCode, output] = RunViewer(expected.args, expected.offscreen);
       QVERIFY2(exitCode == expected.exitCode, qPrintable(output));
       for (const QString& says : expected.says)
         QVERIFY2(output.contains(says), qPrintable(output));
