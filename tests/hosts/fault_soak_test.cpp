@@ -32,16 +32,6 @@ namespace {
 constexpr int kRing = 200;
 constexpr int kInterval = 50;  // ms between polls
 
-struct Totals {
-  int64_t written = 0;
-  int64_t shown = 0;
-  int64_t missed = 0;
-  int restarts = 0;
-  int overruns = 0;
-  int outages = 0;
-  int oldestShownAfterMiss = 0;
-};
-
 double BudgetSeconds() {
   const char* text = std::getenv("VANTREL_SOAK_SECONDS");
   return text != nullptr ? std::atof(text) : 3.0;
@@ -52,15 +42,9 @@ bool WithHistory() {
   return text != nullptr ? std::string(text) != "0" : BudgetSeconds() <= 60;
 }
 
-// A PostgreSQL history's server, stopped for a while in the middle of the soak.
-struct ServerOutage {
-  testing::PostgresServer* server = nullptr;
-  std::unique_ptr<history::PostgresHistory> history;
-  std::string url;
-  int stops = 0;
-};
-
-void Soak(ServerOutage* postgres) {
+// `postgres`, when given, is the server of a PostgreSQL history that is stopped for the
+// middle third of the soak.
+void Soak(testing::PostgresServer* postgres) {
   // The host answers late, only the newest request, and not while its link is down.
   VirtualPlant plant(NumberedRecords(kRing), Answering::Later);
   VirtualHost& host = plant.host;
@@ -73,17 +57,19 @@ void Soak(ServerOutage* postgres) {
     recordHistory = history::SqliteHistory::Open(plant.dir.File("soak.db"), historyError);
     ASSERT_TRUE(recordHistory) << historyError;
   }
+  std::unique_ptr<history::PostgresHistory> serverHistory;
+  history::PostgresHistoryOptions options;
   if (postgres != nullptr) {
-    postgres->url = postgres->server->NewDatabase();
-    history::PostgresHistoryOptions options;
-    options.url = postgres->url;
+    options.url = postgres->NewDatabase();
     options.spoolDirectory = plant.dir.Path().string();
-    postgres->history = history::PostgresHistory::Open(options, historyError);
-    ASSERT_TRUE(postgres->history) << historyError;
+    serverHistory = history::PostgresHistory::Open(options, historyError);
+    ASSERT_TRUE(serverHistory) << historyError;
   }
+  const std::string& url = options.url;
   plant.Connect(kInterval, [&](Control& c) {
-    if (recordHistory) c.AddRowSink(recordHistory.get());
-    if (postgres != nullptr) c.AddRowSink(postgres->history.get());
+    for (RowSink* sink :
+         {static_cast<RowSink*>(recordHistory.get()), static_cast<RowSink*>(serverHistory.get())})
+      if (sink != nullptr) c.AddRowSink(sink);
     c.SetPCDStatusCol(true);
     c.SetMaxRows(1000);
     c.SetPCDStatus(2);
@@ -95,7 +81,8 @@ void Soak(ServerOutage* postgres) {
 
   std::mt19937 random(20261123);
   auto chance = [&](int percent) { return static_cast<int>(random() % 100) < percent; };
-  Totals totals;
+  int64_t shown = 0, missed = 0;
+  int restarts = 0, overruns = 0, outages = 0, oldestShownAfterMiss = 0;
   int64_t expectedNext = 1;  // the record number the next shown row must carry
   size_t seen = 0;
   bool afterMiss = false;
@@ -108,7 +95,7 @@ void Soak(ServerOutage* postgres) {
       const std::string status = line.substr(0, line.find('\t'));
       if (status.rfind("Miss ", 0) == 0) {
         const int64_t count = std::stoll(status.substr(5));
-        totals.missed += count;
+        missed += count;
         expectedNext += count;
         afterMiss = true;
         continue;
@@ -122,9 +109,9 @@ void Soak(ServerOutage* postgres) {
       // When the write index stands at slot 0, the reload after an overrun reads every slot,
       // the write slot too: the oldest record, counted in the Miss row, is shown as well.
       if (afterMiss && number == expectedNext - 1) {
-        --totals.missed;
+        --missed;
         --expectedNext;
-        ++totals.oldestShownAfterMiss;
+        ++oldestShownAfterMiss;
       }
       afterMiss = false;
       if (number != expectedNext) {
@@ -137,7 +124,7 @@ void Soak(ServerOutage* postgres) {
         return;
       }
       ++expectedNext;
-      ++totals.shown;
+      ++shown;
     }
     // A long soak sees hundreds of millions of rows: only the unread ones are kept.
     if (!broken) {
@@ -145,35 +132,30 @@ void Soak(ServerOutage* postgres) {
       seen = 0;
     }
   };
-  auto caughtUp = [&] { return totals.shown + totals.missed == program.RecordsWritten(); };
+  auto caughtUp = [&] { return shown + missed == program.RecordsWritten(); };
 
+  int stops = 0;         // of the PostgreSQL server: stopped, then started again
   bool holding = false;  // after an overrun, until the reader has caught up
   const auto start = std::chrono::steady_clock::now();
   const auto budget = std::chrono::duration<double>(BudgetSeconds());
   while (std::chrono::steady_clock::now() - start < budget && !broken) {
     // The PostgreSQL server goes away for the middle third of the soak.
-    if (postgres != nullptr) {
-      const double part = (std::chrono::steady_clock::now() - start) / budget;
-      if (postgres->stops == 0 && part > 1.0 / 3) {
-        ASSERT_TRUE(postgres->server->Stop());
-        ++postgres->stops;
-      } else if (postgres->stops == 1 && part > 2.0 / 3) {
-        ASSERT_TRUE(postgres->server->Start());
-        ++postgres->stops;
-      }
+    if (postgres != nullptr && stops < 2 &&
+        (std::chrono::steady_clock::now() - start) / budget > (stops + 1) / 3.0) {
+      ASSERT_TRUE(stops == 0 ? postgres->Stop() : postgres->Start());
+      ++stops;
     }
     // The program's own pace: a few records per poll, sometimes a burst beyond the ring.
     if (holding && caughtUp()) holding = false;
     // A burst right after a restart would take the counter past its old value before the
     // reader saw it go down: bursts wait until the restart has been seen.
-    const bool betweenReads =
-        control.ReadState() == 3 && host.Idle() && restartRows == totals.restarts;
+    const bool betweenReads = control.ReadState() == 3 && host.Idle() && restartRows == restarts;
     if (holding) {
       // nothing written
     } else if (chance(3) && betweenReads) {
       holding = true;
       program.WriteRecords(kRing + static_cast<int>(random() % (3 * kRing)));
-      ++totals.overruns;
+      ++overruns;
     } else {
       program.WriteRecords(static_cast<int>(random() % 4));
     }
@@ -184,7 +166,7 @@ void Soak(ServerOutage* postgres) {
       host.down = true;
       step(static_cast<int>(100 + random() % 900));
       host.down = false;
-      ++totals.outages;
+      ++outages;
     }
     step(kInterval);
     account();
@@ -196,7 +178,7 @@ void Soak(ServerOutage* postgres) {
     if (chance(2) && caughtUp() && control.ReadState() == 3 && host.Idle() &&
         program.Counter() > kRing) {
       program.RestartCounter();
-      ++totals.restarts;
+      ++restarts;
     }
   }
   // No more faults: the control catches up with everything written.
@@ -206,41 +188,36 @@ void Soak(ServerOutage* postgres) {
     step(kInterval);
     account();
   }
-  totals.written = program.RecordsWritten();
+  const int64_t written = program.RecordsWritten();
   std::printf(
       "soak: %lld written, %lld shown, %lld counted missing, %d overruns, %d restarts, "
       "%d outages (%d reloads showed the oldest record too)\n",
-      static_cast<long long>(totals.written), static_cast<long long>(totals.shown),
-      static_cast<long long>(totals.missed), totals.overruns, totals.restarts, totals.outages,
-      totals.oldestShownAfterMiss);
-  EXPECT_EQ(totals.shown + totals.missed, totals.written) << "records unaccounted for";
-  EXPECT_GT(totals.overruns, 0);
-  EXPECT_GT(totals.restarts, 0);
-  EXPECT_GT(totals.outages, 0);
+      static_cast<long long>(written), static_cast<long long>(shown),
+      static_cast<long long>(missed), overruns, restarts, outages, oldestShownAfterMiss);
+  EXPECT_EQ(shown + missed, written) << "records unaccounted for";
+  EXPECT_GT(overruns, 0);
+  EXPECT_GT(restarts, 0);
+  EXPECT_GT(outages, 0);
   EXPECT_TRUE(host.errors.empty()) << host.errors.front();
 
   if (postgres != nullptr) {
-    control.RemoveRowSink(postgres->history.get());
-    ASSERT_EQ(postgres->stops, 2) << "the soak ended before the server came back";
-    ASSERT_TRUE(postgres->history->Flush(std::chrono::seconds(60)));
-    EXPECT_EQ(postgres->history->RowsLost(), 0);
+    control.RemoveRowSink(serverHistory.get());
+    ASSERT_EQ(stops, 2) << "the soak ended before the server came back";
+    ASSERT_TRUE(serverHistory->Flush(std::chrono::seconds(60)));
+    EXPECT_EQ(serverHistory->RowsLost(), 0);
     const std::string records =
-        "(SELECT id, split_part(shown, E'\\t', 1)::bigint AS n FROM rows "
-        "WHERE kind = 'record')";
+        "(SELECT id, split_part(shown, E'\\t', 1)::bigint AS n FROM rows WHERE kind = 'record') r";
     // Every shown record once, in the order shown, and the same missing counts.
-    EXPECT_EQ(
-        testing::PostgresServer::Execute(
-            postgres->url, "SELECT count(*) || ' ' || count(DISTINCT n) FROM " + records + " r"),
-        std::to_string(totals.shown) + " " + std::to_string(totals.shown));
-    EXPECT_EQ(testing::PostgresServer::Execute(
-                  postgres->url,
-                  "SELECT count(*) FROM (SELECT n, lag(n) OVER (ORDER BY id) AS "
-                  "before FROM " +
-                      records + " r) o WHERE before >= n"),
-              "0");
-    EXPECT_EQ(testing::PostgresServer::Execute(postgres->url,
-                                               "SELECT coalesce(sum(missed), 0) FROM rows"),
-              std::to_string(totals.missed + totals.oldestShownAfterMiss));
+    const std::pair<std::string, std::string> checks[] = {
+        {"SELECT count(*) || ' ' || count(DISTINCT n) FROM " + records,
+         std::to_string(shown) + " " + std::to_string(shown)},
+        {"SELECT count(*) FROM (SELECT n, lag(n) OVER (ORDER BY id) AS before FROM " + records +
+             ") o WHERE before >= n",
+         "0"},
+        {"SELECT coalesce(sum(missed), 0) FROM rows",
+         std::to_string(missed + oldestShownAfterMiss)}};
+    for (const auto& [query, expected] : checks)
+      EXPECT_EQ(testing::PostgresServer::Execute(url, query), expected) << query;
   }
   if (!recordHistory) return;
   control.RemoveRowSink(recordHistory.get());
@@ -252,8 +229,8 @@ void Soak(ServerOutage* postgres) {
   ASSERT_TRUE(reader) << historyError;
   const std::vector<history::BufferSummary> buffers = reader->Buffers(historyError);
   ASSERT_EQ(buffers.size(), 1u) << historyError;
-  EXPECT_EQ(buffers[0].records, totals.shown);
-  EXPECT_EQ(buffers[0].missed, totals.missed + totals.oldestShownAfterMiss);
+  EXPECT_EQ(buffers[0].records, shown);
+  EXPECT_EQ(buffers[0].missed, missed + oldestShownAfterMiss);
 }
 
 TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
@@ -265,9 +242,7 @@ TEST(FaultSoak, EveryRecordIsShownOnceOrCountedMissing) {
 TEST(FaultSoak, APostgresHistoryKeepsEveryRecordOnceThroughAServerRestart) {
   testing::PostgresServer server;
   VANTREL_NEED_POSTGRES(server);
-  ServerOutage outage;
-  outage.server = &server;
-  Soak(&outage);
+  Soak(&server);
 }
 
 }  // namespace

@@ -87,24 +87,19 @@ class UnitsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void textsConvertBetweenWindows1252AndUnicodeAndTheTitleNeverGetsANegativeWidth() {
+  void textsCodesAndValuesConvert() {
     // 0x80 is the euro sign in Windows-1252, 0xE9 an e with acute accent (as in Latin-1).
     QCOMPARE(ToQString("\x80 \xE9t\xE9"), QString::fromUtf8("\u20AC \u00E9t\u00E9"));
     QCOMPARE(FromQString(QString::fromUtf8("\u20AC \u00E9t\u00E9")), std::string("\x80 \xE9t\xE9"));
+    // The title never gets a negative width.
     QCOMPARE(PlaceSurface(6000, 4000).title, QRect(144, 8, 236, 18));
     QCOMPARE(PlaceSurface(300, 600).title.width(), 0);
-  }
-
-  void aColumnsAlignmentCodeReachesItsCells() {
-    TableModel table = SmallTable();
-    RecordTableModel model(table);
-    AddItem(table, "1\t01/01/26\t08:00:00\tRun\t12.5\t0100");
-    model.Flush();
-    table.SetColumnAlignment(4, 7);
-    QCOMPARE(model.index(0, 3).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
-             Qt::AlignRight | Qt::AlignVCenter);
     // 9, "general", and codes out of range.
     QCOMPARE(AlignmentFromCode(9), Qt::AlignLeft | Qt::AlignVCenter);
+    QCOMPARE(ConvertRawValue(0x4C4F5437).characters, u"'LOT7'"_s);
+    const RawValueTexts negative = ConvertRawValue(-2);
+    QCOMPARE((QStringList{negative.decimal, negative.hexadecimal, negative.binary}),
+             (QStringList{u"-2"_s, u"FFFFFFFE"_s, u"11111111 11111111 11111111 11111110"_s}));
   }
 
   void theModelFollowsAppendsRemovalsChangesAndResets() {
@@ -128,6 +123,10 @@ class UnitsTest : public QObject {
     table.SetText(2, 4, "x");
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed.last().at(0).toModelIndex(), model.index(1, 3));
+    // A column's alignment code reaches its cells.
+    table.SetColumnAlignment(4, 7);
+    QCOMPARE(model.index(1, 3).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
+             Qt::AlignRight | Qt::AlignVCenter);
     table.SetText(0, 5, "Flow l/s");
     QCOMPARE(header.last().at(1).toInt(), 4);
     table.SetRowCount(1);
@@ -171,32 +170,7 @@ class UnitsTest : public QObject {
     QCOMPARE(Numbers(model), (QStringList{u"10"_s, u"11"_s, u"12"_s, u"13"_s}));
   }
 
-  void rawValuesConvertToEveryBase() {
-    QCOMPARE(ConvertRawValue(0x4C4F5437).characters, u"'LOT7'"_s);
-    const RawValueTexts negative = ConvertRawValue(-2);
-    QCOMPARE((QStringList{negative.decimal, negative.hexadecimal, negative.binary}),
-             (QStringList{u"-2"_s, u"FFFFFFFE"_s, u"11111111 11111111 11111111 11111110"_s}));
-  }
-
-  void aTimerTicksOnlyWhileEnabledWithAPeriod() {
-    QtTimerFactory factory;
-    auto timer = factory.CreateTimer();
-    int ticks = 0;
-    timer->SetTickHandler([&] { ++ticks; });
-    timer->SetInterval(10);
-    timer->SetEnabled(true);
-    QTRY_VERIFY(ticks >= 2);
-    timer->SetEnabled(false);
-    const int stopped = ticks;
-    QTest::qWait(50);
-    // A period of 0 never ticks, even enabled.
-    timer->SetInterval(0);
-    timer->SetEnabled(true);
-    QTest::qWait(50);
-    QCOMPARE(ticks, stopped);
-  }
-
-  void messageBoxesShowTheTextsAndAnswerWithTheButtonPressed() {
+  void timersTickWhileEnabledWithAPeriodButNotUnderAPrompt() {
     QWidget parent;
     QtTimerFactory factory;
     QtPrompts prompts(&parent, &factory);
@@ -205,6 +179,7 @@ class UnitsTest : public QObject {
     timer->SetTickHandler([&] { ++ticks; });
     timer->SetInterval(5);
     timer->SetEnabled(true);
+    QTRY_VERIFY(ticks >= 2);
     QStringList shown;
     int ticksWhileShown = -1;
     OnNextModal([&](QWidget* modal) {
@@ -224,7 +199,6 @@ class UnitsTest : public QObject {
     QCOMPARE(ticksWhileShown, 0);
     const int ticksAtClose = ticks;
     QTRY_VERIFY(ticks > ticksAtClose);
-
     for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
       OnNextModal(
           [button](QWidget* modal) { qobject_cast<QMessageBox*>(modal)->button(button)->click(); });
@@ -232,6 +206,14 @@ class UnitsTest : public QObject {
           prompts.ShowMessage("Search?", "Vantrel", MessageIcon::Question, MessageButtons::YesNo),
           button == QMessageBox::Yes ? MessageResult::Yes : MessageResult::No);
     }
+    // Disabled, or with a period of 0 though enabled, a timer does not tick.
+    timer->SetEnabled(false);
+    const int stopped = ticks;
+    QTest::qWait(50);
+    timer->SetInterval(0);
+    timer->SetEnabled(true);
+    QTest::qWait(50);
+    QCOMPARE(ticks, stopped);
   }
 
   void theFileDialogReturnsTheChosenFileOrNothing() {
@@ -248,9 +230,9 @@ class UnitsTest : public QObject {
              std::optional<std::string>(file.toStdString()));
     OnNextModal([](QWidget* modal) { qobject_cast<QFileDialog*>(modal)->reject(); });
     QVERIFY(!prompts.ChooseFileToOpen({"", ".vtld", "All (*.*)|*.*", true}).has_value());
-    QCOMPARE(FileDialogFilter("Vantrel Files (*.vtl,*.vtld)|*.vtl,*.vtld"),
-             u"Vantrel Files (*.vtl *.vtld)"_s);
-    QCOMPARE(FileDialogFilter("Text|*.txt;*.ini|All|*.*"), u"Text (*.txt *.ini);;All (*.*)"_s);
+    QCOMPARE(FileDialogFilter("Vantrel Files (*.vtl,*.vtld)|*.vtl,*.vtld") + "/" +
+                 FileDialogFilter("Text|*.txt;*.ini|All|*.*"),
+             u"Vantrel Files (*.vtl *.vtld)/Text (*.txt *.ini);;All (*.*)"_s);
   }
 
   void theShutDownNoticeClosesItselfAndIsShownAgain() {
@@ -287,10 +269,10 @@ class UnitsTest : public QObject {
     bag.WriteProperty("Interval", int32_t{250}, int32_t{1000});
     bag.WriteProperty("ExportFile", file, std::string());
     bag.WriteProperty("MaxRows", int32_t{500}, int32_t{500});
-    QCOMPARE(settings.value("AutoExport").toString(), u"True"_s);
-    QCOMPARE(settings.value("Interval").toString(), u"250"_s);
-    QCOMPARE(settings.value("ExportFile").toString(),
-             QString::fromUtf8("C:\\t\\\u00E9t\u00E9.xls"));
+    QCOMPARE(
+        (QStringList{settings.value("AutoExport").toString(), settings.value("Interval").toString(),
+                     settings.value("ExportFile").toString()}),
+        (QStringList{u"True"_s, u"250"_s, QString::fromUtf8("C:\\t\\\u00E9t\u00E9.xls")}));
     QVERIFY(!settings.contains("MaxRows"));
     QCOMPARE(bag.ReadProperty("ExportFile", std::string()), PropertyValue(file));
     QCOMPARE(bag.ReadProperty("MaxRows", int32_t{500}), PropertyValue(int32_t{500}));

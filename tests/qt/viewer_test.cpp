@@ -46,14 +46,13 @@ ParseOutcome Parse(std::vector<std::string> args, ViewerOptions& options) {
   return ParseViewerOptions(static_cast<int>(argv.size()), argv.data(), options);
 }
 
-QProcessEnvironment Offscreen() {
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-  return environment;
-}
-
-// Runs the viewer program: its exit code (-1 when it crashed or hung) and all it printed.
-std::pair<int, QString> RunViewer(const QStringList& args, const QProcessEnvironment& env) {
+// Runs the viewer program on the offscreen platform, or with no display at all: its exit code
+// (-1 when it crashed or hung) and all it printed.
+std::pair<int, QString> RunViewer(const QStringList& args, bool offscreen) {
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+    env.remove(QLatin1String(name));
+  if (offscreen) env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
   QProcess viewer;
   viewer.setProcessEnvironment(env);
   viewer.setProcessChannelMode(QProcess::MergedChannels);
@@ -62,14 +61,6 @@ std::pair<int, QString> RunViewer(const QStringList& args, const QProcessEnviron
   viewer.waitForFinished();
   const bool ended = viewer.exitStatus() == QProcess::NormalExit;
   return {ended ? viewer.exitCode() : -1, QString::fromLocal8Bit(viewer.readAll())};
-}
-
-// Options of a window reading the virtual controller quickly.
-ViewerOptions Fast() {
-  ViewerOptions o;
-  o.recordIntervalMs = 10;
-  o.interval = 50;
-  return o;
 }
 
 // Share of the pixels of `area` that are much darker than the background: text and lines.
@@ -158,20 +149,19 @@ class ViewerTest : public QObject {
     dialog.ExportFormat()->setCurrentIndex(1);
     dialog.HistoryFile()->setText(u"/tmp/trace.db"_s);
     dialog.Apply();
-    QCOMPARE(control.Interval(), 250);
-    QCOMPARE(control.MaxRows(), 2000);
-    QVERIFY(control.DateStampCol());
-    QCOMPARE(control.ExportFile(), std::string("/tmp/\xE9t\xE9.xls"));
-    QCOMPARE(control.IndexFile(), int16_t{2});
-    QCOMPARE(control.ExportFormat(), int16_t{1});
-    QCOMPARE(control.HistoryFile(), std::string("/tmp/trace.db"));
+    QVERIFY(std::tuple(control.Interval(), control.MaxRows(), control.DateStampCol(),
+                       control.ExportFile(), control.IndexFile(), control.ExportFormat(),
+                       control.HistoryFile()) ==
+            std::tuple(250, 2000, true, "/tmp/\xE9t\xE9.xls", 2, 1, "/tmp/trace.db"));
     QCOMPARE(changed, (QStringList{"Interval", "MaxRows", "DateStampCol", "ExportFile", "IndexFile",
                                    "ExportFormat", "HistoryFile"}));
   }
 
   void aWindowReadsTheVirtualControllerKeepingItsRowsAndSettings() {
     QTemporaryDir dir;
-    ViewerOptions o = Fast();
+    ViewerOptions o;  // reading the virtual controller quickly
+    o.recordIntervalMs = 10;
+    o.interval = 50;
     o.timeColumn = true;
     o.historyFile = dir.filePath(u"trace.db"_s).toStdString();
     o.exportFile = dir.filePath(u"trace.xlsx"_s).toStdString();
@@ -258,37 +248,33 @@ class ViewerTest : public QObject {
     QTemporaryDir dir;
     const QString table = dir.filePath(u"table.png"_s), graph = dir.filePath(u"graph.png"_s),
                   none = dir.filePath(u"none.png"_s);
-    QProcessEnvironment noDisplay = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-      noDisplay.remove(QLatin1String(name));
     const struct {
       QStringList args;
-      QProcessEnvironment environment;
+      bool offscreen;
       int exitCode;
       QStringList says;
-    } runs[] = {
-        {{"--screenshot", table, "--after-records", "30"}, Offscreen(), 0, {"30 rows shown"}},
-        {{"--screenshot", graph, "--after-records", "25", "--graph-columns", "Level cm,Pressure",
-          "--size", "900x600"},
-         Offscreen(),
-         0,
-         {}},
-        {{"--screenshot", dir.filePath(u"nothing.png"_s), "--graph-columns", "Nothing"},
-         Offscreen(),
-         1,
-         {"no data column is named \"Nothing\""}},
-        // The locator's question is printed and answered No, not left waiting on a box no one
-        // sees; the error that follows ends the run without waiting for rows.
-        {{"--resource-path", dir.path(), "--screenshot", none},
-         Offscreen(),
-         1,
-         {"The file PMP1.vtld was not found.", "answered No",
-          "ModulError 10: No description file from driver found (*.vtl)",
-          "no rows: reading stopped on error 10"}},
-        // Without a display the viewer points elsewhere.
-        {{}, noDisplay, 2, {"vantrel run", "QT_QPA_PLATFORM=offscreen"}}};
+    } runs[] = {{{"--screenshot", table, "--after-records", "30"}, true, 0, {"30 rows shown"}},
+                {{"--screenshot", graph, "--after-records", "25", "--graph-columns",
+                  "Level cm,Pressure", "--size", "900x600"},
+                 true,
+                 0,
+                 {}},
+                {{"--screenshot", dir.filePath(u"nothing.png"_s), "--graph-columns", "Nothing"},
+                 true,
+                 1,
+                 {"no data column is named \"Nothing\""}},
+                // The locator's question is printed and answered No, not left waiting on a box no
+                // one sees; the error that follows ends the run without waiting for rows.
+                {{"--resource-path", dir.path(), "--screenshot", none},
+                 true,
+                 1,
+                 {"The file PMP1.vtld was not found.", "answered No",
+                  "ModulError 10: No description file from driver found (*.vtl)",
+                  "no rows: reading stopped on error 10"}},
+                // Without a display the viewer points elsewhere.
+                {{}, false, 2, {"vantrel run", "QT_QPA_PLATFORM=offscreen"}}};
     for (const auto& expected : runs) {
-      const auto [exitCode, output] = RunViewer(expected.args, expected.environment);
+      const auto [exitCode, output] = RunViewer(expected.args, expected.offscreen);
       QVERIFY2(exitCode == expected.exitCode, qPrintable(output));
       for (const QString& says : expected.says)
         QVERIFY2(output.contains(says), qPrintable(output));

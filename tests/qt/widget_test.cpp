@@ -80,6 +80,21 @@ struct Rig {
     return model()->data(model()->index(row, column)).toString();
   }
   QString Number(int row) { return model()->headerData(row, Qt::Vertical).toString().trimmed(); }
+  // A double-click comes as a press (which tells the control where the mouse went down), a
+  // release and the double-click itself; on a header section, or on a cell.
+  void DoubleClick(QWidget* viewport, QPoint at) {
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, at);
+    QTest::mouseDClick(viewport, Qt::LeftButton, {}, at);
+  }
+  void DoubleClickHeader(int column) {
+    QHeaderView* header = table()->horizontalHeader();
+    DoubleClick(header->viewport(),
+                {header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                 header->height() / 2});
+  }
+  void DoubleClickCell(int row, int column) {
+    DoubleClick(table()->viewport(), table()->visualRect(model()->index(row, column)).center());
+  }
 
   vantrel::ScriptedPrompts prompts;
   vantrel::SystemClock clock;
@@ -91,24 +106,6 @@ struct Rig {
 
 QColor TextColor(const QLabel* label) {
   return label->palette().color(QPalette::WindowText);
-}
-
-// A double-click comes as a press (which tells the control where the mouse went down), a
-// release and the double-click itself.
-void DoubleClick(QWidget* viewport, QPoint at) {
-  QTest::mouseClick(viewport, Qt::LeftButton, {}, at);
-  QTest::mouseDClick(viewport, Qt::LeftButton, {}, at);
-}
-
-void DoubleClickHeader(QTableView* table, int column) {
-  QHeaderView* header = table->horizontalHeader();
-  DoubleClick(header->viewport(),
-              {header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-               header->height() / 2});
-}
-
-void DoubleClickCell(QTableView* table, int row, int column) {
-  DoubleClick(table->viewport(), table->visualRect(table->model()->index(row, column)).center());
 }
 
 }  // namespace
@@ -130,8 +127,8 @@ class WidgetTest : public QObject {
   void theLabelsButtonsAndHostSignalsFollowTheReadingCycle() {
     Rig& r = *rig_;
     QLabel* status = r.widget.StatusLabel();
-    QCOMPARE(r.widget.TitleLabel()->text(), u"No Buffer Selected"_s);
-    QCOMPARE(status->text(), u"Disabled"_s);
+    QCOMPARE((QStringList{r.widget.TitleLabel()->text(), status->text()}),
+             (QStringList{u"No Buffer Selected"_s, u"Disabled"_s}));
     QVERIFY(!r.widget.InfoButton()->isEnabled() && !r.widget.Chart()->isVisible());
     QStringList loading, order;
     connect(&r.widget, &VantrelWidget::Status, this, [&](qint16 state) {
@@ -153,8 +150,8 @@ class WidgetTest : public QObject {
     QTRY_VERIFY(r.widget.ActivityShape()->isVisible());
     QTRY_VERIFY(!r.widget.ActivityShape()->isVisible());
     QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
-    QCOMPARE(r.prompts.Messages().size(), size_t{1});
-    QVERIFY(QString::fromStdString(r.prompts.Messages().back().text).startsWith(u"Info section"_s));
+    QVERIFY(r.prompts.Messages().size() == 1 &&
+            r.prompts.Messages()[0].text.starts_with("Info section"));
     // A shut-down command: the notice, then the host hears it.
     r.program.SetCommand(9);
     QTRY_COMPARE(order, (QStringList{u"notice 3000"_s, u"PCDCmd 9"_s}));
@@ -173,22 +170,19 @@ class WidgetTest : public QObject {
       QCOMPARE(r.Cell(row, run), row % 2 == 0 ? u"Off"_s : u"On"_s);
       QCOMPARE(r.Cell(row, batch), u"LOT7"_s);
     }
-    QCOMPARE(lines.count(), 4);
-    QVERIFY(lines.last().at(0).toString().contains(u"LOT7"_s));
+    QVERIFY(lines.count() == 4 && lines.last().at(0).toString().contains(u"LOT7"_s));
     // Answers a turn later, through the DataBlock slot, are taken the same way; at the
     // limit the oldest rows go and the row counter turns red.
     r.answerLater = true;
     r.program.WriteRecords(4);
     QTRY_COMPARE(r.widget.RecordCountLabel()->text(), u"8"_s);
     QTRY_COMPARE(r.Number(0), u"4"_s);
-    QCOMPARE(r.model()->rowCount(), 5);
-    QCOMPARE(r.Number(4), u"8"_s);
-    QCOMPARE(r.Cell(4, run), u"On"_s);
-    QCOMPARE(r.widget.RowCountLabel()->text(), u"5"_s);
+    QCOMPARE((QStringList{QString::number(r.model()->rowCount()), r.Number(4), r.Cell(4, run),
+                          r.widget.RowCountLabel()->text()}),
+             (QStringList{u"5"_s, u"8"_s, u"On"_s, u"5"_s}));
     QCOMPARE(TextColor(r.widget.RowCountLabel()), QColor(255, 0, 0));
     r.control().Clear();
-    QCOMPARE(r.model()->rowCount(), 0);
-    QCOMPARE(TextColor(r.widget.RowCountLabel()), QColor(0, 0, 0));
+    QVERIFY(r.model()->rowCount() == 0 && TextColor(r.widget.RowCountLabel()) == QColor(0, 0, 0));
   }
 
   void theNewestRowIsKeptInView() {
@@ -215,7 +209,7 @@ class WidgetTest : public QObject {
     QTableView* table = r.table();
     QVERIFY(r.WriteAndWait(3, 3));
     const int level = r.Column(u"Level cm"_s);
-    DoubleClickHeader(table, level);
+    r.DoubleClickHeader(level);
     // The header is painted yellow, not only marked so.
     QHeaderView* header = table->horizontalHeader();
     const QColor pixel =
@@ -225,12 +219,12 @@ class WidgetTest : public QObject {
     const auto selected = [&] {
       return r.model()->headerData(level, Qt::Horizontal, Qt::BackgroundRole).isValid();
     };
-    DoubleClickHeader(table, level);
+    r.DoubleClickHeader(level);
     QVERIFY(!selected());
     // A double-click on a data cell selects nothing.
-    DoubleClickCell(table, 2, level);
+    r.DoubleClickCell(2, level);
     QVERIFY(!selected());
-    DoubleClickHeader(table, level);
+    r.DoubleClickHeader(level);
     QVERIFY(selected());
 
     QTest::mouseClick(r.widget.GraphButton(), Qt::LeftButton);
@@ -275,8 +269,7 @@ class WidgetTest : public QObject {
     });
     QTest::mouseClick(r.widget.ExportButton(), Qt::LeftButton);
     QCOMPARE(status, u"Exporting 6 rows..."_s);
-    QCOMPARE(cursor, Qt::BusyCursor);
-    QVERIFY(r.widget.cursor().shape() != Qt::BusyCursor);
+    QVERIFY(cursor == Qt::BusyCursor && r.widget.cursor().shape() != Qt::BusyCursor);
     QVERIFY(r.widget.StatusLabel()->text().startsWith(u"Refresh mode"_s));
     QVERIFY(r.prompts.Messages().empty() && QFile::exists(QString::fromStdString(file)));
   }
@@ -284,8 +277,7 @@ class WidgetTest : public QObject {
   void theTableTakesTheGridFontWhenThePropertiesAreRead() {
     Rig& r = *rig_;
     QTableView* table = r.table();
-    QCOMPARE(table->font().family(), u"Courier"_s);
-    QCOMPARE(table->font().pointSizeF(), 10.0);
+    QVERIFY(table->font().family() == u"Courier"_s && table->font().pointSizeF() == 10.0);
     const int rowHeight = table->verticalHeader()->defaultSectionSize();
     r.control().SetGridFontSize("14");
     QCOMPARE(table->font().pointSizeF(), 10.0);
@@ -315,15 +307,14 @@ class WidgetTest : public QObject {
     QTest::mouseClick(r.widget.Frame(), Qt::LeftButton, {}, corner);
     QTest::mouseDClick(r.widget.Frame(), Qt::LeftButton, {}, corner);
     QTest::mouseClick(r.widget.InfoButton(), Qt::LeftButton);
-    QCOMPARE(clicks.count(), 1);
-    QCOMPARE(doubleClicks.count(), 1);
+    QVERIFY(clicks.count() == 1 && doubleClicks.count() == 1);
 
     // Frame 5820 x 3835, table 5500 x 2665 at (120, 480) and chart 5520 x 2685 at the same
     // place, bottom line at 3460, info button at 3385: at 15 twips per pixel, rounded.
     r.widget.LayOutTwips(6000, 4000);
-    QCOMPARE(r.widget.Frame()->geometry(), QRect(0, 0, 388, 256));
-    QCOMPARE(r.table()->geometry(), QRect(8, 32, 367, 178));
-    QCOMPARE(r.widget.Chart()->geometry(), QRect(8, 32, 368, 179));
+    QCOMPARE((QList<QRect>{r.widget.Frame()->geometry(), r.table()->geometry(),
+                           r.widget.Chart()->geometry()}),
+             (QList<QRect>{{0, 0, 388, 256}, {8, 32, 367, 178}, {8, 32, 368, 179}}));
     QCOMPARE((QList<int>{r.widget.StatusLabel()->y(), r.widget.ActivityShape()->y(),
                          r.widget.InfoButton()->y()}),
              (QList<int>{231, 234, 226}));
@@ -346,8 +337,8 @@ class WidgetTest : public QObject {
     QCOMPARE(r.control().Table().ColumnWidth(setPoint + 1), 1800);
     // Not fitted, the control's widths: 700 and 1100 twips.
     r.widget.SetFitColumnsToContents(false);
-    QCOMPARE(table->columnWidth(r.Column(u"Run"_s)), 47);
-    QCOMPARE(table->columnWidth(date), 73);
+    QCOMPARE((QList<int>{table->columnWidth(r.Column(u"Run"_s)), table->columnWidth(date)}),
+             (QList<int>{47, 73}));
     // A width the user drags goes back to the control.
     QHeaderView* header = table->horizontalHeader();
     const int flow = r.Column(u"Flow"_s);
@@ -387,16 +378,15 @@ class WidgetTest : public QObject {
     // Flow is the high word of the second register: 0x0100 for the first record.
     const int flow = r.Column(u"Flow"_s);
     QCOMPARE(r.Cell(0, flow), u"0100"_s);
-    DoubleClickCell(r.table(), 0, flow);
+    r.DoubleClickCell(0, flow);
     vantrel::qt::ValuePanel* panel = r.widget.ValuePanelWidget();
-    QVERIFY(panel != nullptr && panel->isVisible());
+    QVERIFY(panel != nullptr && panel->isVisible() && panel->Cell()->text().contains(u"Flow"_s));
     QCOMPARE((QStringList{panel->Decimal()->text(), panel->Hexadecimal()->text(),
                           panel->Binary()->text(), panel->Characters()->text()}),
              (QStringList{u"256"_s, u"00000100"_s, u"00000000 00000000 00000001 00000000"_s,
                           u"'\x7f\x7f\x7f\x7f'"_s}));
-    QVERIFY(panel->Cell()->text().contains(u"Flow"_s));
     // The next record's cell replaces the panel's contents.
-    DoubleClickCell(r.table(), 1, flow);
+    r.DoubleClickCell(1, flow);
     QCOMPARE(panel->Decimal()->text(), u"257"_s);
   }
 
