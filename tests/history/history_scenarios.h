@@ -13,11 +13,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "history/encoded_row.h"
 #include "vantrel/history/history_reader.h"
 #include "vantrel/row_sink.h"
 
@@ -83,8 +85,19 @@ inline void WriteScenario(RowSink& sink) {
   sink.RowAdded(Record(5, "Running", true));
 }
 
+// A description as text: its key, title and version, then each column's fields.
+inline std::string DescriptionText(const HistoryDescription& d) {
+  std::string text = d.key + " " + d.title + " v" + std::to_string(d.version) + ":";
+  for (const HistoryColumn& c : d.columns) {
+    text += " " + c.caption + "(" + std::to_string(c.registerIndex) + " " + c.fieldType + " " +
+            std::to_string(c.position) + " " + c.displayCode + " " + std::to_string(c.widthTwips) +
+            ")";
+  }
+  return text;
+}
+
 // Buffer PMP1 between two times (empty: no bound) read back as text: each description in
-// force with its columns, then its rows.
+// force, then its rows.
 inline std::string ReadBack(const HistoryReader& reader, const std::string& from = "",
                             const std::string& to = "") {
   std::vector<RecordedPart> parts;
@@ -93,24 +106,23 @@ inline std::string ReadBack(const HistoryReader& reader, const std::string& from
   constexpr const char* kKinds[] = {"record", "miss", "restart", "status"};
   std::string text;
   for (const RecordedPart& part : parts) {
-    const HistoryDescription& d = part.description;
-    text += d.key + " " + d.title + " v" + std::to_string(d.version) + ":";
-    for (const HistoryColumn& c : d.columns) {
-      text += " " + c.caption + "(" + std::to_string(c.registerIndex) + " " + c.fieldType + " " +
-              std::to_string(c.position) + " " + c.displayCode + " " +
-              std::to_string(c.widthTwips) + ")";
-    }
-    text += "\n";
+    text += DescriptionText(part.description) + "\n";
     for (const RecordedRow& r : part.rows) {
-      const DateTime& t = r.pcTime;
-      char stamp[64];
-      std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d.%03d", t.year, t.month,
-                    t.day, t.hour, t.minute, t.second, t.millisecond);
       text += std::string(kKinds[static_cast<size_t>(r.kind)]) + " " +
-              std::to_string(r.recordNumber) + " " + stamp + " " + r.status + " [" + r.line + "]\n";
+              std::to_string(r.recordNumber) + " " + IsoTime(r.pcTime) + " " + r.status + " [" +
+              r.line + "]\n";
     }
   }
   return text;
+}
+
+// Rows numbered 1 to `written` went in while some could not be stored: each of them is
+// stored once, in order, or counted as lost, and some were lost.
+inline void ExpectStoredOnceOrLost(const std::vector<int>& stored, int written, int64_t lost) {
+  EXPECT_GT(lost, 0) << "nothing was lost: the test did not fill the store";
+  EXPECT_EQ(static_cast<int64_t>(stored.size()) + lost, written);
+  EXPECT_EQ(std::adjacent_find(stored.begin(), stored.end(), std::greater_equal<>()), stored.end())
+      << "a row stored twice or out of order";
 }
 
 template <typename Backend>

@@ -2,13 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include "modbus/test_helpers.h"
 #include "vantrel/hosts/modbus/retry_backoff.h"
 
 namespace vantrel::hosts::modbus {
 namespace {
 
-using test::ExpectWholeCover;
+// The reads of a request: none longer than the protocol carries, pairs whole, in address
+// order without gaps, covering exactly the registers asked for.
+void ExpectWholeCover(const std::vector<HoldingRead>& reads, int32_t address, int32_t registers) {
+  int32_t next = address;
+  for (const HoldingRead& read : reads) {
+    EXPECT_EQ(read.address, next);
+    EXPECT_TRUE(read.words > 0 && read.words <= kMaxReadWords && read.words % 2 == 0);
+    next += read.words;
+  }
+  EXPECT_EQ(next - address, 2 * registers);
+}
 
 TEST(ModbusOptions, EndpointsUnitsOffsetsAndWordOrders) {
   std::string error;

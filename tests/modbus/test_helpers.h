@@ -1,7 +1,6 @@
 #pragma once
-// For the Modbus tests: request bytes, the check that reads cover a request, a client that
-// sends raw bytes, a listener that takes connections and answers nothing (or hangs up at
-// once), and a bounded wait on a real loop.
+// For the Modbus tests: request bytes, a client that sends raw bytes, a listener that takes
+// connections and answers nothing (or hangs up at once), and a bounded wait on a real loop.
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -36,19 +35,6 @@ inline Bytes ReadRequest(uint16_t transaction, uint16_t address, uint16_t count,
   const auto lo = [](unsigned v) { return static_cast<uint8_t>(v & 0xFF); };
   return {hi(transaction), lo(transaction), 0,           0,         0,        6, unit,
           function,        hi(address),     lo(address), hi(count), lo(count)};
-}
-
-// The reads of a request: none longer than the protocol carries, pairs whole, in address
-// order without gaps, covering exactly the registers asked for.
-inline void ExpectWholeCover(const std::vector<HoldingRead>& reads, int32_t address,
-                             int32_t registers) {
-  int32_t next = address;
-  for (const HoldingRead& read : reads) {
-    EXPECT_EQ(read.address, next);
-    EXPECT_TRUE(read.words > 0 && read.words <= kMaxReadWords && read.words % 2 == 0);
-    next += read.words;
-  }
-  EXPECT_EQ(next - address, 2 * registers);
 }
 
 // A socket bound to a free loopback port; `port` is set to it.
