@@ -36,8 +36,7 @@ std::vector<int> StoredRecords(const std::string& url) {
 
 // PostgreSQL histories, each a database of its own on a private server.
 struct PostgresBackend {
-  static constexpr const char* kTables =
-      "SELECT tablename FROM pg_tables WHERE schemaname = 'public' ORDER BY tablename";
+  static constexpr const char* kMakeNewer = "UPDATE vantrel_schema SET version = 99";
   static constexpr const char* kNotOurs = "not a Vantrel history (it has tables named rows";
 
   void SetUp() { VANTREL_NEED_POSTGRES(server); }
@@ -50,6 +49,13 @@ struct PostgresBackend {
   // Through the call that opens either kind of history by its setting.
   static std::unique_ptr<HistoryReader> OpenReader(const std::string& url, std::string& error) {
     return OpenHistoryReader(url, error);
+  }
+  // The tables' names, and their rows.
+  static std::string Snapshot(const std::string& url) {
+    return PostgresServer::Execute(
+        url,
+        "SELECT (SELECT string_agg(tablename, ' ' ORDER BY tablename) FROM pg_tables WHERE "
+        "schemaname = 'public') || database_to_xml(true, true, '')");
   }
   static Rows Query(const std::string& url, const std::string& sql) {
     return PostgresServer::Query(url, sql);
