@@ -1,5 +1,5 @@
-// The SQLite history: the scenarios every back end shares, files refused, a full disk,
-// histories of the first schema, and the times the command line takes.
+// The SQLite history: the scenarios every back end shares, writing ahead, a file that cannot
+// be made, a full disk, histories of the first schema, and the times the command line takes.
 
 #include "vantrel/history/sqlite_history.h"
 
