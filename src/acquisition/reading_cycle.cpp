@@ -200,7 +200,30 @@ void ReadingCycle::TakeCounterArea(std::span<const int32_t> block) {
     return;
   }
   buffer_.LastWord = block[static_cast<size_t>(counterIndex - 1)];
+  if (std::string problem = CounterAreaProblem(block); !problem.empty()) {
+    errType_ = kErrRecords;
+    errMsg_ = "Invalid counter area\r" + problem;
+    StopOnFailure();
+    return;
+  }
   if (WalkCounterArea(block)) SetState(kStateLoading);
+}
+
+std::string ReadingCycle::CounterAreaProblem(std::span<const int32_t> block) const {
+  // Words missing from a short block keep their last values, as in the walk.
+  const int64_t ring = block.size() > 3 ? block[3] : walk_.RecordNumber;
+  const int64_t writeIndex = block.size() > 1 ? block[1] : walk_.WriteIndex;
+  if (ring < 1) return "Ring size " + std::to_string(ring) + " is below 1";
+  if (writeIndex < 0 || writeIndex >= ring) {
+    return "Write index " + std::to_string(writeIndex) + " lies outside the ring of " +
+           std::to_string(ring) + " records";
+  }
+  const int64_t end = int64_t{buffer_.HeaderLength} + ring * description_.RecordLength;
+  if (end > buffer_.BufferLen) {
+    return "Ring size " + std::to_string(ring) + " does not fit the buffer of " +
+           std::to_string(buffer_.BufferLen) + " words";
+  }
+  return {};
 }
 
 void ReadingCycle::TakeRecords(std::span<const int32_t> block) {

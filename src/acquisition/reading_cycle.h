@@ -86,6 +86,9 @@ class ReadingCycle {
   void TakeHeader(std::span<const int32_t> block);
   void TakeCounterArea(std::span<const int32_t> block);
   void TakeRecords(std::span<const int32_t> block);
+  // Why a counter area read from the controller contradicts its buffer: a ring of no slots,
+  // a write index outside the ring, or a ring larger than the buffer; empty when it does not.
+  std::string CounterAreaProblem(std::span<const int32_t> block) const;
   bool WalkCounterArea(std::span<const int32_t> counterArea);
   void PlanNewRecords(int64_t fresh);
   bool LoadRecords(std::span<const int32_t> records);

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "support/live_trace.h"
 #include "support/recording_host.h"
 
 namespace vantrel {
 namespace {
 
 using testing::ControlFixture;
+using testing::LiveTrace;
 using testing::Packed;
 
 void Assign(Control& c, std::vector<int32_t> block) {
@@ -59,6 +61,37 @@ TEST(Intake, ShortBlocksAreReportedNotReadPastTheirEnd) {
             std::vector<std::string>{"12:DataBlock too short for the counter area: 2 values "
                                      "received, 4 expected"});
   EXPECT_EQ(f->ReadState(), 3);
+}
+
+// A counter area that contradicts the buffer stops the run before any register outside the
+// ring is decoded: the walk would otherwise invent rows or lose records without a Miss row.
+TEST(Intake, ACounterAreaThatContradictsTheBufferStopsTheRun) {
+  struct Case {
+    int32_t writeIndex, ring;
+    const char* error;
+  };
+  for (const Case& c : {
+           Case{1000, 8, "Write index 1000 lies outside the ring of 8 records"},
+           Case{-3, 8, "Write index -3 lies outside the ring of 8 records"},
+           Case{0, 0, "Ring size 0 is below 1"},
+           Case{1, -5, "Ring size -5 is below 1"},
+           Case{1, 2147483647, "Ring size 2147483647 does not fit the buffer of 200 words"},
+       }) {
+    SCOPED_TRACE(c.error);
+    LiveTrace f({"0,Word,0,x,900,A,%d,0"}, 1);
+    f.Add({{1}, {2}});
+    ASSERT_EQ(f->Table().DataRowCount(), 2);
+    f.host.image.registers[LiveTrace::kBuffer + 4] = 5;
+    f.host.image.registers[LiveTrace::kBuffer + 5] = c.writeIndex;
+    f.host.image.registers[LiveTrace::kBuffer + 7] = c.ring;
+    f.Poll();
+    EXPECT_EQ(f.host.Errors(),
+              std::vector<std::string>{"12:Invalid counter area\r" + std::string(c.error)});
+    EXPECT_EQ(f->Table().DataRowCount(), 2) << "no row is made of registers outside the ring";
+    EXPECT_EQ(f->RunMode(), 0);
+    f.Poll();
+    EXPECT_EQ(f.host.Errors().size(), 1u) << "reading stopped";
+  }
 }
 
 }  // namespace
