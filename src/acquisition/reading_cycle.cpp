@@ -218,8 +218,9 @@ std::string ReadingCycle::CounterAreaProblem(std::span<const int32_t> block) con
     return "Write index " + std::to_string(writeIndex) + " lies outside the ring of " +
            std::to_string(ring) + " records";
   }
+  // A buffer length of 0: no header read yet (reading once straight after the pointer).
   const int64_t end = int64_t{buffer_.HeaderLength} + ring * description_.RecordLength;
-  if (end > buffer_.BufferLen) {
+  if (buffer_.BufferLen > 0 && end > buffer_.BufferLen) {
     return "Ring size " + std::to_string(ring) + " does not fit the buffer of " +
            std::to_string(buffer_.BufferLen) + " words";
   }
