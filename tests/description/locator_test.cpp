@@ -32,7 +32,7 @@ TEST_F(Locator, SearchOrder) {
   EXPECT_EQ(found, dir("1") + "Pump01.vtl");
   EXPECT_EQ(Locate("Pump01", {"", dir("3")}), 1);
   EXPECT_EQ(found, dir("3") + "Pump01x.vtld");
-  EXPECT_EQ(Locate("Pump01", {files.Path("4") + "\\"}), 1);
+  EXPECT_EQ(Locate("Pump01", {files.Path("4") + "\\ "}), 1);  // blanks after a path are cut
   EXPECT_EQ(found, files.Path("4") + "\\PUMP01_a.vtld");
   EXPECT_TRUE(prompts.Messages().empty());
 }

@@ -59,11 +59,5 @@ TEST(ProfileSection, LinesJoinedUpTo32764Characters) {
   EXPECT_EQ(section(32764).ReadSectionLines("S").characters, kSectionDoesNotFit);
 }
 
-TEST(PathHelpers, TrailingSeparator) {
-  EXPECT_EQ(AddTrailingSeparator("C:\\data  "), "C:\\data/");
-  EXPECT_EQ(AddTrailingSeparator("C:\\data\\ "), "C:\\data\\");
-  EXPECT_EQ(AddTrailingSeparator(""), "/");
-}
-
 }  // namespace
 }  // namespace vantrel

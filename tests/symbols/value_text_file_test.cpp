@@ -15,7 +15,6 @@
 namespace vantrel {
 namespace {
 
-using Keys = std::vector<std::string>;
 const std::string kGate = "[Vantrel]\nKey=ABCD\n";
 
 struct ValueTextFile : ::testing::Test {
@@ -23,10 +22,11 @@ struct ValueTextFile : ::testing::Test {
     std::ofstream(dir.File("texts.txt"), std::ios::binary) << content;
     ReadValueTextFile(values, dir.File("texts.txt"), headerKey, prompts);
   }
-  Keys KeysOf() const {
-    Keys keys;
+  // The keys in collection order, joined by "|".
+  std::string KeysOf() const {
+    std::string keys;
     for (int32_t i = 1; i <= values.Count(); ++i)
-      keys.push_back(values.KeyAt(i));
+      keys += (i > 1 ? "|" : "") + values.KeyAt(i);
     return keys;
   }
   testing::TempDir dir;
@@ -35,49 +35,37 @@ struct ValueTextFile : ::testing::Test {
 };
 
 TEST_F(ValueTextFile, WhichLinesGiveWhichKeys) {
-  struct Case {
-    std::string content, headerKey;
-    Keys keys;
-  };
-  const std::string simple = kGate + "[Application]\n1=Pump\n[State]\n3=Running\n";
-  const Keys simpleKeys = {"1_Application_0", "1_State_3"};
-  for (const Case& c : std::vector<Case>{
-           {simple, "abcd", {}},
-           {"[vantrel]\n  key = ABCD ; this buffer\n[Application]\n1=Pump\n[State]\n3=Running\n",
-            "ABCD", simpleKeys},
+  const std::string simple = "[Application]\n1=Pump\n[State]\n3=Running\n";
+  const std::string simpleKeys = "1_Application_0|1_State_3";
+  for (const auto& [content, keys] : std::vector<std::pair<std::string, std::string>>{
+           {"[vantrel]\n  key = ABCD ; this buffer\n" + simple, simpleKeys},
            // Lines before the key line, and keys outside [Vantrel], do not count.
-           {"[Application]\n0=Early\n[Other]\nKey=ABCD\n[Application]\n5=StillEarly\n" + simple,
-            "ABCD", simpleKeys},
+           {"[Application]\n0=Early\n[Other]\nKey=ABCD\n[Application]\n5=StillEarly\n" + kGate +
+                simple,
+            simpleKeys},
            {kGate + "[Application]\n1=Pump\n[State]\n4=Idle\n[Application]\n2=Fan\n[State]\n3=R\n",
-            "ABCD",
-            {"1_Application_0", "1_State_4", "2_Application_0", "1_State_3", "2_State_3"}},
+            "1_Application_0|1_State_4|2_Application_0|1_State_3|2_State_3"},
            {kGate + "[Application]\n1,2=Both\n[State]\n3=Running\n",
-            "ABCD",
-            {"1,2_Application_0", "1_State_3", "2_State_3"}},
-           {kGate + "[State]\n3=Running\n", "ABCD", {}},
-           {kGate + "[Application]\n1 = Pump\n[State]\n3=Running\n",
-            "ABCD",
-            {"1 _Application_0", "1 _State_3"}},
+            "1,2_Application_0|1_State_3|2_State_3"},
+           {kGate + "[State]\n3=Running\n", ""},
+           {kGate + "[Application]\n1 = Pump\n[State]\n3=Running\n", "1 _Application_0|1 _State_3"},
            {kGate + "[Application]\n1=P\n[State]\nx=No\n&H10=S\n20..22=T\n-4=M\n2.5=R\n",
-            "ABCD",
-            {"1_Application_0", "1_State_0", "1_State_16", "1_State_20", "1_State_-4",
-             "1_State_2"}},
+            "1_Application_0|1_State_0|1_State_16|1_State_20|1_State_-4|1_State_2"},
            {kGate + "[Application]\n; 9=C\n\n   \nNoEquals\n1=Pump\n[State]\nStray\n3=Running\n",
-            "ABCD", simpleKeys},
+            simpleKeys},
            {kGate + "[Application]\n1=Pump\n[State\n3=Lost\n[Mode]\n2=Auto\n",
-            "ABCD",
-            {"1_Application_0", "1_Mode_2"}},
+            "1_Application_0|1_Mode_2"},
            // Once the key matched even [Vantrel] is a value section, its Key line value 0.
            {kGate + "[Application]\n1=Pump\n[Vantrel]\n5=Own\nKey=OTHER\n",
-            "ABCD",
-            {"1_Application_0", "1_Vantrel_5", "1_Vantrel_0"}},
-           {kGate + "[application]\n1=Pump\n[state]\n3=Running\n",
-            "ABCD",
-            {"1_Application_0", "1_state_3"}}}) {
+            "1_Application_0|1_Vantrel_5|1_Vantrel_0"},
+           {kGate + "[application]\n1=Pump\n[state]\n3=Running\n", "1_Application_0|1_state_3"}}) {
     values = cValues{};
-    Read(c.content, c.headerKey);
-    EXPECT_EQ(KeysOf(), c.keys) << c.content;
+    Read(content);
+    EXPECT_EQ(KeysOf(), keys) << content;
   }
+  values = cValues{};
+  Read(kGate + simple, "abcd");  // the key is compared exactly
+  EXPECT_EQ(KeysOf(), "");
   EXPECT_TRUE(prompts.Messages().empty());
 }
 
