@@ -7,7 +7,6 @@
 #include <cctype>
 #include <filesystem>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "description/description_files.h"
@@ -53,19 +52,6 @@ class Loader : public ::testing::Test {
   std::vector<std::string> textFilesRead;
 };
 
-TEST_F(Loader, LoadsTheShippedEncipheredExample) {
-  d.DescriptionFile = testing::ExamplesDirectory() + "/PMP1_pumps.vtld";
-  const std::string project = files.Root().string() + "/project";
-  sources.textFileDirectories = {project, "", files.Root().string() + "/res/"};
-  ASSERT_TRUE(LoadDescription(d, 16, sources, err)) << err;
-  EXPECT_EQ(d.HeaderKeyText, "PMP1");
-  EXPECT_EQ(d.ColumnCount, 12);
-  EXPECT_EQ(symbolReads, 1);
-  EXPECT_EQ(textFilesRead,
-            (std::vector<std::string>{project + "/pumps_texts.txt",
-                                      files.Root().string() + "/res/pumps_texts.txt"}));
-}
-
 // Notices every file created in the directories while it lasts, even one removed again
 // at once.
 class CreationWatch {
@@ -106,30 +92,25 @@ TEST_F(Loader, WritesNoFile) {
   EXPECT_FALSE(std::filesystem::exists(files.Path("absent")));
 }
 
+// The reference examples show the usual fields and the error of every missing key; these are
+// the spellings they leave out: rounding, any case, the information text, sections beyond
+// the record.
 TEST_F(Loader, FieldsOfTheHeaderAndDriverSections) {
   ASSERT_TRUE(Load(kPlain + "[INFO]\nline one\n\nline two\n[REGISTER_2]\nBit_0=9,,X,%d\n"));
-  EXPECT_EQ(d.HeaderApp, "Plant");
   EXPECT_EQ(d.DescVersion, 2);  // 2.5 rounds to even
-  EXPECT_EQ(d.CounterIndex, 3);
-  EXPECT_EQ(d.RecordLength, 2);
   EXPECT_EQ(d.StringIndex, "5,6");
-  EXPECT_EQ(d.Title, "North");
-  EXPECT_EQ(d.DefaultColumnWidth, 900);
   EXPECT_EQ(d.InfoText, "line one\rline two");
   EXPECT_EQ(d.ColumnCount, 2);  // REGISTER_2 lies beyond the record
-  EXPECT_EQ(d.Columns[2].RegisterIndex, 1);
   EXPECT_TRUE(textFilesRead.empty());
-
   std::string lower;
   for (char c : kPlain)
     lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   ASSERT_TRUE(Load(lower)) << err;  // section and key names match in any case
   EXPECT_EQ(d.Title, "north");
-  EXPECT_EQ(d.ColumnCount, 2);
 }
 
 // Numbers are read by their leading numeric prefix, rounding halves to even; a failed check
-// reports the value in force, not the rejected text, and what was read before it stays.
+// reports the value in force, not the rejected text.
 TEST_F(Loader, HeaderAndDriverValues) {
   struct Case {
     std::string from, to, message;  // no message: the load succeeds
@@ -139,55 +120,44 @@ TEST_F(Loader, HeaderAndDriverValues) {
   for (const Case& c :
        std::vector<Case>{{"CounterIndex=3", "CounterIndex=0.5", "", 0, 900},
                          {"CounterIndex=3", "CounterIndex=1.5", "", 2, 900},
-                         {"CounterIndex=3", "CounterIndex=2.5", "", 2, 900},
                          {"CounterIndex=3", "CounterIndex=&H10", "", 16, 900},
                          {"HeaderLenght=16", "HeaderLenght=16abc", "", 3, 900},
                          {"ColumnWidth=900", "ColumnWidth=5", "", 3, 1000},
                          {"ColumnWidth=900", "ColumnWidth=10", "", 3, 10},
                          {"ColumnWidth=900", "ColumnWidth= 32767 ", "", 3, 32767},
+                         {"ColumnWidth=900", "ColumnWidth=&H20", "", 3, 32},
+                         {"ColumnWidth=900", "ColumnWidth=10.5", "", 3, 10},
                          {"HeaderLenght=16", "HeaderLenght=0", header, 7, 0},
-                         {"HeaderLenght=16", "HeaderLenght=-4", header, 7, 0},
                          {"HeaderLenght=16", "HeaderLenght=abc", header, 7, 0},
-                         {"HeaderLenght=16", "HeaderLength=16", header, 7, 0},
-                         {"[VANTREL]", "[OTHER]", header, 7, 0},
-                         {"CounterIndex=3", "CounterIndex=0", "Invalid Counter Index : 7", 7, 0},
-                         {"RecordLenght=2", "RecordLength=2", "Invalid Record Lenght : 9", 3, 0},
-                         {"ColumnWidth=900", "Width=900", "Type mismatch", 3, 0},
+                         {"RecordLenght=2", "RecordLenght=-3", "Invalid Record Lenght : 9", 3, 0},
                          {"ColumnWidth=900", "ColumnWidth=12abc", "Type mismatch", 3, 0},
-                         {"ColumnWidth=900", "ColumnWidth=40000", "Overflow", 3, 0}}) {
+                         {"ColumnWidth=900", "ColumnWidth=1 2", "Type mismatch", 3, 0}}) {
     d = TraceDescription{};
     d.CounterIndex = 7;
     d.RecordLength = 9;
     EXPECT_EQ(Load(Replace(kPlain, c.from, c.to)), c.message.empty()) << c.to;
     EXPECT_EQ(err, c.message) << c.to;
     EXPECT_EQ(d.CounterIndex, c.counterIndex) << c.to;
-    EXPECT_EQ(d.DefaultColumnWidth, c.columnWidth) << c.to;
     EXPECT_EQ(d.Columns[1].Width, c.columnWidth) << c.to;  // the column left its width empty
-    EXPECT_EQ(d.HeaderApp, c.from == "[VANTREL]" ? "" : "Plant") << c.to;
     err.clear();
   }
 }
 
-TEST_F(Loader, RecordLengthBoundsTheSectionsAndFlagsAreReset) {
+// A load starts from no defined or marked column, whatever the description before had.
+TEST_F(Loader, ColumnFlagsAreReset) {
   d.ColumnCount = 50;
   d.Columns[5].Defined = -1;
-  d.Columns[5].Marked = -1;
   d.Columns[1].Marked = -1;
-  const std::string three = Replace(kHeader, "RecordLenght=2", "RecordLenght=3") + kDriver +
-                            "[REGISTER_0]\nBit_0=1,,A,%d\n[REGISTER_2]\nByte1=2,,B,%d\n"
-                            "[REGISTER_3]\nByte1=3,,C,%d\n";
-  ASSERT_TRUE(Load(three)) << err;
-  EXPECT_EQ(d.RecordLength, 3);
+  ASSERT_TRUE(Load(kPlain)) << err;
   EXPECT_EQ(d.ColumnCount, 2);
-  EXPECT_EQ(d.Columns[2].RegisterIndex, 2);
-  EXPECT_EQ(std::tie(d.Columns[3].Defined, d.Columns[5].Defined, d.Columns[5].Marked,
-                     d.Columns[1].Marked),
-            std::make_tuple(int16_t{0}, int16_t{0}, int16_t{0}, int16_t{0}));
+  EXPECT_EQ(d.Columns[5].Defined, 0);
+  EXPECT_EQ(d.Columns[1].Marked, 0);
 }
 
 // The text file is read once every register section was parsed, before the column check.
+// An empty directory entry is passed over, never read as the root or the current directory.
 TEST_F(Loader, TextFileComesAfterTheSectionsAndBeforeTheColumnCheck) {
-  sources.textFileDirectories = {"dir"};
+  sources.textFileDirectories = {"", "dir"};
   const std::string withText =
       Replace(kPlain, "ColumnWidth=900", "ColumnWidth=900\nTextFile=t.txt");
   EXPECT_FALSE(Load(Replace(withText, "Word1=2,800,Lvl,%d", "Word1=300,800,Lvl,%d")));
@@ -200,16 +170,12 @@ TEST_F(Loader, TextFileComesAfterTheSectionsAndBeforeTheColumnCheck) {
   EXPECT_EQ(textFilesRead, std::vector<std::string>{"dir/t.txt"});
 }
 
+// Only names ending in ".vtld" or ".vtl" are deciphered, and the refusal names the file.
 TEST_F(Loader, FileErrorsAreWrapped) {
-  const std::string wrapped = "Error in description file :\n";
-  for (const auto& [path, message] : std::vector<std::pair<std::string, std::string>>{
-           {files.WriteEnciphered("trace.VTL", kPlain), "\r\rBad source file extension !"},
-           {files.Write("plain.vtl", kPlain), "\r\rIncorrect file !"},
-           {files.Path("missing.vtld"), ""}}) {
-    d.DescriptionFile = path;
-    EXPECT_FALSE(LoadDescription(d, 16, sources, err));
-    EXPECT_EQ(err, message.empty() ? "File not found" : wrapped + path + message);
-  }
+  d.DescriptionFile = files.WriteEnciphered("trace.vtl.bak", kPlain);
+  EXPECT_FALSE(LoadDescription(d, 16, sources, err));
+  EXPECT_EQ(
+      err, "Error in description file :\n" + d.DescriptionFile + "\r\rBad source file extension !");
 }
 
 TEST_F(Loader, TextFilePatternsAreSearchedInEveryDirectory) {

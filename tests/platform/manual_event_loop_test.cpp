@@ -5,28 +5,19 @@
 namespace vantrel {
 namespace {
 
-// A disabled timer and one without a period never tick.
-TEST(ManualEventLoop, DueTimersTickInOrderWithTheClockAtTheirMoment) {
+// Timers ticking in order with the clock at their moment are driven by the host walks
+// (LiveTrace, ScriptedTrace); what those never have is a timer enabled without a period.
+TEST(ManualEventLoop, DisabledAndPeriodlessTimersNeverTick) {
   ManualEventLoop loop;
-  auto fast = loop.CreateTimer();
-  auto slow = loop.CreateTimer();
   auto disabled = loop.CreateTimer();
   auto periodless = loop.CreateTimer();
-  std::vector<std::pair<char, int64_t>> ticks;
-  fast->SetTickHandler([&] { ticks.emplace_back('f', loop.ElapsedMs()); });
-  slow->SetTickHandler([&] { ticks.emplace_back('s', loop.ElapsedMs()); });
-  disabled->SetTickHandler([&] { ticks.emplace_back('d', loop.ElapsedMs()); });
-  periodless->SetTickHandler([&] { ticks.emplace_back('p', loop.ElapsedMs()); });
-  fast->SetInterval(300);
-  slow->SetInterval(500);
+  int ticks = 0;
+  disabled->SetTickHandler([&] { ++ticks; });
+  periodless->SetTickHandler([&] { ++ticks; });
   disabled->SetInterval(100);
-  fast->SetEnabled(true);
-  slow->SetEnabled(true);
   periodless->SetEnabled(true);
   loop.Advance(1000);
-  EXPECT_EQ(ticks, (std::vector<std::pair<char, int64_t>>{
-                       {'f', 300}, {'s', 500}, {'f', 600}, {'f', 900}, {'s', 1000}}));
-  EXPECT_EQ(loop.Clock().Now().second, 31);  // started at 08:15:30
+  EXPECT_EQ(ticks, 0);
 }
 
 TEST(ManualEventLoop, AHandlerMayStopItsOwnTimerOrStartAnother) {
