@@ -1,5 +1,6 @@
 #include "description/user_buffer.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "description/field_types.h"
@@ -69,6 +70,18 @@ bool LoadUserBuffer(TraceDescription& d, std::string_view userFile, std::string_
       simulationOut = UserBufferSimulation{
           RoundToInt32(Val(profile.ReadString("USER_BUFFER", "RecordInterval")) * 100),
           RoundToInt32(Val(profile.ReadString("USER_BUFFER", "RecordNumber")))};
+      // The simulated ring lives in memory: no larger than the largest buffer a controller
+      // can announce, so that a mistyped number cannot take the machine's memory.
+      const int64_t registers =
+          int64_t{simulationOut->recordCount} * std::max<int16_t>(d.RecordLength, 1);
+      if (registers > kLargestSimulatedRing) {
+        errMsg = "Simulated ring too large in the source file :\n" + std::string(userFile) +
+                 "\nRecordNumber " + std::to_string(simulationOut->recordCount) +
+                 " x RecordLenght " + std::to_string(d.RecordLength) + " is above " +
+                 std::to_string(kLargestSimulatedRing) + " registers";
+        simulationOut.reset();
+        return false;
+      }
     }
     d.ColumnCount = 0;
     for (ColumnDef& column : d.Columns) {

@@ -12,6 +12,10 @@
 
 namespace vantrel {
 
+// The most registers a simulated ring may hold: the largest buffer length a controller can
+// announce (a data block).
+inline constexpr int64_t kLargestSimulatedRing = 16383;
+
 struct UserBufferSimulation {
   int32_t intervalMs = 0;
   int32_t recordCount = 0;

@@ -48,6 +48,13 @@ TEST_F(UserBuffer, ColumnsAndHeaderFields) {
   ASSERT_TRUE(simulationOut.has_value());
   EXPECT_EQ(simulationOut->intervalMs, 250);
   EXPECT_EQ(simulationOut->recordCount, 40);
+  // A ring larger than any controller buffer (records x 4 registers) is refused.
+  ASSERT_TRUE(Load(Replace(kUserBuffer, "RecordNumber=40", "RecordNumber=4095"), true, "TNK1"));
+  EXPECT_FALSE(
+      Load(Replace(kUserBuffer, "RecordNumber=40", "RecordNumber=2000000000"), true, "TNK1"));
+  EXPECT_EQ(err, "Simulated ring too large in the source file :\n" + path +
+                     "\nRecordNumber 2000000000 x RecordLenght 4 is above 16383 registers");
+  EXPECT_FALSE(simulationOut.has_value());
 
   EXPECT_TRUE(Load(Replace(kUserBuffer, "UserBuffer=1", "UserBuffer=2")));
   EXPECT_FALSE(Load(Replace(kUserBuffer, "UserBuffer=1", "UserBuffer=x")));
