@@ -1,5 +1,6 @@
 #include "description/cipher.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -89,17 +90,42 @@ std::optional<std::string> DecipherText(std::string_view enciphered, std::string
 }
 
 std::string EncryptDescription(std::string_view sourcePath) {
+  namespace fs = std::filesystem;
   const size_t dot = sourcePath.rfind('.');
   const std::string destination =
       std::string(sourcePath.substr(0, dot == std::string_view::npos ? sourcePath.size() : dot)) +
       ".vtld";
+  // An enciphered file enciphered again in its own place would be lost.
+  if (EndsWith(sourcePath, ".vtld") || destination == sourcePath) {
+    return "File already enciphered !";
+  }
+  std::error_code ec;
+  // A directory, device or pipe is no description: reading one fails or never ends.
+  if (!fs::is_regular_file(fs::status(NativePath(sourcePath), ec))) return "Cannot open file ";
   const auto plain = ReadWhole(sourcePath);
   if (!plain) return "Cannot open file ";
-  std::ofstream out(NativePath(destination), std::ios::binary | std::ios::trunc);
-  if (!out) return "Cannot open file ";
-  out << EncipherText(*plain);
-  out.close();
-  return out ? "Cryptage successful !" : "Cannot open file ";
+  // Written beside the destination and renamed into its place, so that a link standing
+  // there is replaced, never written through, and no half-written file is left.
+  const fs::path target(NativePath(destination));
+  fs::path staging = target;
+  staging += ".part";
+  fs::remove(staging, ec);
+  {
+    std::ofstream out(staging, std::ios::binary | std::ios::trunc);
+    if (!out) return "Cannot open file ";
+    out << EncipherText(*plain);
+    out.close();
+    if (!out) {
+      fs::remove(staging, ec);
+      return "Cannot open file ";
+    }
+  }
+  fs::rename(staging, target, ec);
+  if (ec) {
+    fs::remove(staging, ec);
+    return "Cannot open file ";
+  }
+  return "Cryptage successful !";
 }
 
 std::optional<std::string> DecryptDescription(std::string_view sourcePath, std::string& errorText) {

@@ -62,6 +62,23 @@ TEST(CipherFiles, EncryptWritesASiblingVtldOrSaysItCannot) {
   EXPECT_FALSE(std::filesystem::exists(files.Path("missing.vtld")));
   std::filesystem::create_directory(files.Path("blocked.vtld"));  // destination cannot open
   EXPECT_EQ(EncryptDescription(files.Write("blocked.vtl", "k=v")), "Cannot open file ");
+  std::filesystem::create_directory(files.Path("folder.vtl"));
+  EXPECT_EQ(EncryptDescription(files.Path("folder.vtl")), "Cannot open file ");
+}
+
+// A link in the destination's place is replaced, never written through; an enciphered file
+// is not enciphered again.
+TEST(CipherFiles, EncryptNeverWritesThroughALinkNorEnciphersTwice) {
+  testing::DescriptionFiles files;
+  const std::string notes = files.Write("notes.txt", "keep");
+  std::filesystem::create_symlink(notes, files.Path("P.vtld"));
+  EXPECT_EQ(EncryptDescription(files.Write("P.vtl", "[S]\r\nk=v\r\n")), "Cryptage successful !");
+  EXPECT_EQ(testing::ReadBytes(notes), "keep");
+  EXPECT_FALSE(std::filesystem::is_symlink(files.Path("P.vtld")));
+  EXPECT_EQ(testing::ReadBytes(files.Path("P.vtld")), EncipherText("[S]\nk=v\n"));
+  EXPECT_EQ(EncryptDescription(files.Path("P.vtld")), "File already enciphered !");
+  EXPECT_EQ(testing::ReadBytes(files.Path("P.vtld")), EncipherText("[S]\nk=v\n"));
+  EXPECT_FALSE(std::filesystem::exists(files.Path("P.vtld.part")));
 }
 
 }  // namespace
