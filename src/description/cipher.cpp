@@ -68,9 +68,7 @@ bool EndsWith(std::string_view text, std::string_view suffix) {
 }
 
 std::optional<std::string> ReadWhole(std::string_view path) {
-  std::ifstream in(NativePath(path), std::ios::binary);
-  if (!in) return std::nullopt;
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  return ReadFileBytes(path);
 }
 
 }  // namespace
@@ -131,6 +129,10 @@ std::string EncryptDescription(std::string_view sourcePath) {
 std::optional<std::string> DecryptDescription(std::string_view sourcePath, std::string& errorText) {
   if (!EndsWith(sourcePath, ".vtld") && !EndsWith(sourcePath, ".vtl")) {
     errorText = "Bad source file extension !";
+    return std::nullopt;
+  }
+  if (IsNonRegularFile(sourcePath)) {
+    errorText = "Not a regular file !";
     return std::nullopt;
   }
   const auto enciphered = ReadWhole(sourcePath);

@@ -58,10 +58,8 @@ ProfileFile ProfileFile::Parse(std::string_view content) {
 }
 
 ProfileFile ProfileFile::Load(std::string_view path) {
-  std::ifstream in(NativePath(path), std::ios::binary);
-  if (!in) return {};
-  const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  return Parse(content);
+  const std::optional<std::string> content = ReadFileBytes(path);
+  return content ? Parse(*content) : ProfileFile{};
 }
 
 const ProfileFile::Section* ProfileFile::FindSection(std::string_view name) const {

@@ -8,6 +8,7 @@
 #include "platform/numbers.h"
 #include "platform/runtime_error.h"
 #include "platform/text.h"
+#include "platform/text_file.h"
 
 namespace vantrel {
 namespace {
@@ -48,6 +49,10 @@ bool LoadUserBuffer(TraceDescription& d, std::string_view userFile, std::string_
                     std::string& errMsg) {
   simulationOut.reset();
   try {
+    if (IsNonRegularFile(userFile)) {
+      errMsg = "Not a regular file :\n" + std::string(userFile);
+      return false;
+    }
     // Like every profile read, a missing file reads as empty and so defines no user buffer.
     const ProfileFile profile = ProfileFile::Load(userFile);
     if (Val(profile.ReadString("VANTREL", "UserBuffer")) == 0) {

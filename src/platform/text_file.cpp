@@ -1,5 +1,7 @@
 #include "platform/text_file.h"
 
+#include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -20,12 +22,31 @@ std::vector<std::string> SplitLines(std::string_view content) {
   return lines;
 }
 
+std::optional<std::string> ReadFileBytes(std::string_view path) {
+  const std::string native = NativePath(path);
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(std::filesystem::status(native, ec))) return std::nullopt;
+  try {
+    std::ifstream in(native, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad()) return std::nullopt;
+    return content;
+  } catch (const std::exception&) {  // a read error midway (the file changed under us)
+    return std::nullopt;
+  }
+}
+
+bool IsNonRegularFile(std::string_view path) {
+  std::error_code ec;
+  const auto status = std::filesystem::status(NativePath(path), ec);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+}
+
 std::optional<std::vector<std::string>> ReadTextLines(std::string_view path) {
-  std::ifstream in(NativePath(path), std::ios::binary);
-  if (!in) return std::nullopt;
-  const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return std::nullopt;
-  return SplitLines(content);
+  const std::optional<std::string> content = ReadFileBytes(path);
+  if (!content) return std::nullopt;
+  return SplitLines(*content);
 }
 
 }  // namespace vantrel

@@ -64,6 +64,14 @@ TEST(CipherFiles, EncryptWritesASiblingVtldOrSaysItCannot) {
   EXPECT_EQ(EncryptDescription(files.Write("blocked.vtl", "k=v")), "Cannot open file ");
   std::filesystem::create_directory(files.Path("folder.vtl"));
   EXPECT_EQ(EncryptDescription(files.Path("folder.vtl")), "Cannot open file ");
+  // Nor is a folder, device or pipe read as a description: reading one fails or never ends.
+  std::filesystem::create_directory(files.Path("folder.vtld"));
+  std::filesystem::create_symlink("/dev/zero", files.Path("zero.vtld"));
+  for (const char* name : {"folder.vtld", "zero.vtld"}) {
+    std::string error;
+    EXPECT_FALSE(DecryptDescription(files.Path(name), error).has_value()) << name;
+    EXPECT_EQ(error, "Not a regular file !") << name;
+  }
 }
 
 // A link in the destination's place is replaced, never written through; an enciphered file

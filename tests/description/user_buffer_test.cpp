@@ -64,6 +64,8 @@ TEST_F(UserBuffer, ColumnsAndHeaderFields) {
   EXPECT_EQ(d.Title, "Tanks");  // read before the failing check
   EXPECT_FALSE(LoadUserBuffer(d, files.Path("none.vtlr"), "TNK1", false, simulationOut, err));
   EXPECT_EQ(err, "No user buffer defined in the source file :\n" + files.Path("none.vtlr"));
+  EXPECT_FALSE(LoadUserBuffer(d, files.Path(""), "TNK1", false, simulationOut, err));
+  EXPECT_EQ(err, "Not a regular file :\n" + files.Path(""));
 }
 
 TEST_F(UserBuffer, ColumnLinesThatDoNotDefineAColumn) {
