@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstring>
 #include <deque>
+#include <optional>
 #include <thread>
 #include <variant>
 
@@ -137,6 +138,10 @@ struct SqliteHistory::Worker {
   std::thread thread;
   HistoryQueue queue;
   int64_t descriptionId = 0;  // worker only
+  // The newest description and whether it is stored: when its batch could not be written,
+  // it is stored again before the next rows, so that no row is ever without its description.
+  std::optional<HistoryDescription> newestDescription;
+  bool newestStored = true;
 
   ~Worker() { sqlite3_close(db); }
 
@@ -167,6 +172,28 @@ struct SqliteHistory::Worker {
     return statement.Step();
   }
 
+  // Inserts a description and its columns; the rows that follow refer to it.
+  bool StoreDescription(Statement& description, Statement& column, const HistoryDescription& d) {
+    description.Text(1, Cp1252ToUtf8(d.key));
+    description.Text(2, Cp1252ToUtf8(d.title));
+    description.Int(3, d.version);
+    if (!description.Step()) return false;
+    descriptionId = sqlite3_last_insert_rowid(db);
+    for (size_t i = 0; i < d.columns.size(); ++i) {
+      const HistoryColumn& c = d.columns[i];
+      column.Int(1, descriptionId);
+      column.Int(2, static_cast<int64_t>(i));
+      column.Text(3, Cp1252ToUtf8(c.caption));
+      column.Int(4, c.registerIndex);
+      column.Text(5, c.fieldType);
+      column.Int(6, c.position);
+      column.Text(7, Cp1252ToUtf8(c.displayCode));
+      column.Int(8, c.widthTwips);
+      if (!column.Step()) return false;
+    }
+    return true;
+  }
+
   void Run() {
     Statement description(db,
                           "INSERT INTO descriptions (buffer_key, title, version, loaded_at) "
@@ -190,7 +217,11 @@ struct SqliteHistory::Worker {
         continue;
       }
       std::string problem;
+      const int64_t committedId = descriptionId;
       bool ok = Execute(db, "BEGIN", problem);
+      if (ok && !newestStored && newestDescription) {
+        ok = StoreDescription(description, column, *newestDescription);
+      }
       for (size_t at = 0; ok && at < batch.size();) {
         if (std::holds_alternative<EncodedRow>(batch[at])) {
           size_t run = at;
@@ -209,29 +240,17 @@ struct SqliteHistory::Worker {
           continue;
         }
         if (auto* d = std::get_if<HistoryDescription>(&batch[at++])) {
-          description.Text(1, Cp1252ToUtf8(d->key));
-          description.Text(2, Cp1252ToUtf8(d->title));
-          description.Int(3, d->version);
-          ok = description.Step();
-          descriptionId = sqlite3_last_insert_rowid(db);
-          for (size_t i = 0; ok && i < d->columns.size(); ++i) {
-            const HistoryColumn& c = d->columns[i];
-            column.Int(1, descriptionId);
-            column.Int(2, static_cast<int64_t>(i));
-            column.Text(3, Cp1252ToUtf8(c.caption));
-            column.Int(4, c.registerIndex);
-            column.Text(5, c.fieldType);
-            column.Int(6, c.position);
-            column.Text(7, Cp1252ToUtf8(c.displayCode));
-            column.Int(8, c.widthTwips);
-            ok = column.Step();
-          }
+          newestDescription = *d;
+          newestStored = false;
+          ok = StoreDescription(description, column, *d);
         }
       }
       if (ok) ok = Execute(db, "COMMIT", problem);
       if (ok) {
+        newestStored = true;
         queue.Done(batch.size());
       } else {
+        descriptionId = committedId;
         if (problem.empty()) problem = ErrorText(db);
         std::string ignored;
         Execute(db, "ROLLBACK", ignored);
@@ -242,7 +261,8 @@ struct SqliteHistory::Worker {
   }
 };
 
-std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std::string& error) {
+std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std::string& error,
+                                                   int busyTimeoutMs) {
   auto worker = std::make_unique<Worker>();
   // The connection is used by one thread at a time (opened here, then only by the worker), so
   // SQLite need not lock it on every call.
@@ -253,7 +273,7 @@ std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std:
     return nullptr;
   }
   std::string problem;
-  sqlite3_busy_timeout(worker->db, 5000);
+  sqlite3_busy_timeout(worker->db, busyTimeoutMs);
   // Larger pages and a larger cache than SQLite's defaults: rows come in long runs, so fewer
   // and fuller pages are written per batch (the page size counts only for a new file). The
   // journal mode is kept in the file, so it is set only once the file is known to be ours.

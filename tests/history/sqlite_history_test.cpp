@@ -129,6 +129,38 @@ TEST(SqliteHistory, AFullDiskLosesRowsOnlyWithAReportAndWritingResumesWhenThereI
   EXPECT_EQ(stored.back(), kWhileFull + 100);
 }
 
+// While another program holds the file's write lock, a batch waits its time and is then
+// lost with a report; the description it carried is stored again before the next rows, so
+// that no row is ever stored without its description.
+TEST(SqliteHistory, ABatchLockedOutLosesItsRowsButNeverTheirDescription) {
+  testing::TempDir dir;
+  const std::string path = dir.File("trace.db");
+  std::string error;
+  auto history = SqliteHistory::Open(path, error, 50);
+  ASSERT_TRUE(history) << error;
+  int64_t lost = 0;
+  history->OnRowsLost([&](int64_t rows, std::string_view) { lost += rows; });
+  history->DescriptionLoaded(Pumps());
+  history->RowAdded(Record(1));
+  history->Flush();
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+  history->DescriptionLoaded(Pumps(true));
+  history->RowAdded(Record(2, "Running", true));
+  history->Flush();
+  EXPECT_EQ(lost, 1);
+  EXPECT_NE(history->LastError().find("locked"), std::string::npos) << history->LastError();
+  sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
+  sqlite3_close(other);
+  history->RowAdded(Record(3, "Running", true));
+  history.reset();
+  EXPECT_EQ(SqliteBackend::Query(path,
+                                 "SELECT r.record_number, d.title FROM rows r LEFT JOIN "
+                                 "descriptions d ON d.id = r.description_id ORDER BY r.id"),
+            (Rows{{"1", "Pump station"}, {"3", "Pump station, new layout"}}));
+}
+
 // A history of the first schema (no column widths, no cells as shown) is brought up to date
 // when it is opened for writing; its old rows come back with their cells as stored, its
 // columns without a width.

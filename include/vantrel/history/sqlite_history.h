@@ -18,8 +18,10 @@ class SqliteHistory final : public RowSink {
  public:
   // Opens the history at `path`, creating it when it does not exist; nullptr with `error`
   // set when the file cannot be opened or written, or holds a schema that is not ours or is
-  // newer than ours (such a file is never altered).
-  static std::unique_ptr<SqliteHistory> Open(const std::string& path, std::string& error);
+  // newer than ours (such a file is never altered). A write waits up to `busyTimeoutMs` for
+  // another program's lock on the file; a batch still locked out then is lost and reported.
+  static std::unique_ptr<SqliteHistory> Open(const std::string& path, std::string& error,
+                                             int busyTimeoutMs = 5000);
   // Writes what is still queued, then closes.
   ~SqliteHistory() override;
   SqliteHistory(const SqliteHistory&) = delete;
