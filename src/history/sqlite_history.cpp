@@ -83,6 +83,27 @@ bool Execute(sqlite3* db, const char* sql, std::string& error) {
   return false;
 }
 
+// Checks the file's pages before anything is written into it: rows appended to a damaged
+// file could not be read back.
+bool CheckIntact(sqlite3* db, std::string& error) {
+  std::string verdict;
+  const auto take = [](void* into, int, char** values, char**) {
+    std::string& out = *static_cast<std::string*>(into);
+    if (!out.empty()) out += "; ";
+    out += values[0] != nullptr ? values[0] : "";
+    return 0;
+  };
+  char* message = nullptr;
+  if (sqlite3_exec(db, "PRAGMA quick_check", take, &verdict, &message) != SQLITE_OK) {
+    sqlite3_free(message);
+    error = "the file is damaged: " + ErrorText(db);
+    return false;
+  }
+  if (verdict == "ok") return true;
+  error = "the file is damaged: " + verdict.substr(0, 200);
+  return false;
+}
+
 // Creates the schema in an empty database, or checks that an existing one is ours and not
 // newer; nothing of a foreign database is touched.
 bool PrepareSchema(sqlite3* db, std::string& error) {
@@ -280,7 +301,7 @@ std::unique_ptr<SqliteHistory> SqliteHistory::Open(const std::string& path, std:
   if (!Execute(worker->db, "PRAGMA page_size=16384", problem) ||
       !Execute(worker->db, "PRAGMA synchronous=NORMAL", problem) ||
       !Execute(worker->db, "PRAGMA cache_size=-16384", problem) ||
-      !PrepareSchema(worker->db, problem) ||
+      !CheckIntact(worker->db, problem) || !PrepareSchema(worker->db, problem) ||
       !Execute(worker->db, "PRAGMA journal_mode=WAL", problem)) {
     error = "cannot use " + path + " as a history: " + problem;
     return nullptr;

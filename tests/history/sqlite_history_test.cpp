@@ -161,6 +161,29 @@ TEST(SqliteHistory, ABatchLockedOutLosesItsRowsButNeverTheirDescription) {
             (Rows{{"1", "Pump station"}, {"3", "Pump station, new layout"}}));
 }
 
+// A file whose pages are damaged is refused before anything is written into it.
+TEST(SqliteHistory, ADamagedFileIsRefusedAndLeftAsItIs) {
+  testing::TempDir dir;
+  const std::string path = dir.File("trace.db");
+  std::string error;
+  {
+    auto history = SqliteHistory::Open(path, error);
+    ASSERT_TRUE(history) << error;
+    history->DescriptionLoaded(Pumps());
+    for (int n = 1; n <= 3000; ++n)
+      history->RowAdded(Record(n));
+  }
+  {
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(3 * 16384);  // the fourth page, from its header on
+    file << std::string(4000, '\x5A');
+  }
+  const std::string damaged = SqliteBackend::Snapshot(path);
+  EXPECT_FALSE(SqliteHistory::Open(path, error));
+  EXPECT_NE(error.find("the file is damaged"), std::string::npos) << error;
+  EXPECT_EQ(SqliteBackend::Snapshot(path), damaged);
+}
+
 // A history of the first schema (no column widths, no cells as shown) is brought up to date
 // when it is opened for writing; its old rows come back with their cells as stored, its
 // columns without a width.
