@@ -42,8 +42,15 @@ std::unique_ptr<HistoryReader> HistoryReader::Open(const std::string& path, std:
   sqlite3_busy_timeout(database->db, 5000);
   Statement version(database->db, "SELECT version FROM vantrel_schema");
   if (!version.Ok() || !version.Next()) {
-    error = path + " is not a Vantrel history" +
-            (version.Failed() ? " (" + version.Error() + ")" : std::string());
+    // Only a readable database without our table is "not a Vantrel history"; a locked,
+    // truncated or damaged file says so.
+    const int code = sqlite3_errcode(database->db);
+    if (code != SQLITE_OK && code != SQLITE_ERROR && code != SQLITE_DONE && code != SQLITE_ROW) {
+      error = "cannot read the history " + path + ": " + sqlite3_errmsg(database->db);
+    } else {
+      error = path + " is not a Vantrel history" +
+              (version.Failed() ? " (" + version.Error() + ")" : std::string());
+    }
     return nullptr;
   }
   database->version = version.ColumnInt(0);

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -182,6 +183,10 @@ TEST(SqliteHistory, ADamagedFileIsRefusedAndLeftAsItIs) {
   EXPECT_FALSE(SqliteHistory::Open(path, error));
   EXPECT_NE(error.find("the file is damaged"), std::string::npos) << error;
   EXPECT_EQ(SqliteBackend::Snapshot(path), damaged);
+  // A reader names what is wrong with a file cut short, not "not a Vantrel history".
+  std::filesystem::resize_file(path, 1000);
+  EXPECT_FALSE(HistoryReader::Open(path, error));
+  EXPECT_EQ(error.rfind("cannot read the history " + path + ": ", 0), 0u) << error;
 }
 
 // A history of the first schema (no column widths, no cells as shown) is brought up to date
