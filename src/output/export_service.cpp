@@ -8,6 +8,7 @@
 #include "platform/export_file.h"
 #include "platform/paths.h"
 #include "platform/runtime_error.h"
+#include "platform/text_file.h"
 
 namespace vantrel {
 namespace {
@@ -158,6 +159,14 @@ std::string_view DefaultExportName(int16_t format) {
 
 ExportResult ExportTable(ExportRequest request) {
   ExportResult result;
+  // A folder, device or pipe in the target's place is refused and left alone: writing to a
+  // pipe waits for a reader, and what goes to a device is lost.
+  if (IsNonRegularFile(request.target)) {
+    result.failed = true;
+    result.outcome = {"ExportExcelFile Error " + request.target + " is not a regular file",
+                      "Vantrel exportation aborted !", MessageIcon::Exclamation, true};
+    return result;
+  }
   Excel2Export excel(request, result);
   try {
     if (request.checkWritable) CheckWritable(ExportFilesOr(request.source.files), request.target);

@@ -4,6 +4,7 @@
 #include "output/trace_export.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -130,6 +131,22 @@ TEST(Export, NoColumnToWriteRemovesTheFile) {
   EXPECT_FALSE(std::filesystem::exists(dir.File("empty.xls")));
   EXPECT_FALSE(result.written);
   EXPECT_EQ(result.outcome.text, "Export aborted : No data to export !");
+}
+
+// A pipe or folder in the target's place is refused at once and left alone: writing into a
+// pipe would wait for a reader.
+TEST(Export, ATargetThatIsNoRegularFileIsRefusedAndLeftAlone) {
+  ExportFixture f;
+  ASSERT_EQ(::mkfifo(f.dir.File("pipe.csv").c_str(), 0600), 0);
+  std::filesystem::create_directory(f.dir.File("folder.xls"));
+  for (const auto& [format, name] :
+       {std::pair<int16_t, const char*>{kExportCsv, "pipe.csv"}, {kExportExcel2, "folder.xls"}}) {
+    const ExportResult result = f.TraceTable::Export(format, f.dir.File(name));
+    EXPECT_TRUE(result.failed) << name;
+    EXPECT_EQ(result.outcome.text,
+              "ExportExcelFile Error " + f.dir.File(name) + " is not a regular file");
+    EXPECT_TRUE(std::filesystem::exists(f.dir.File(name))) << name;
+  }
 }
 
 TEST(Export, AnOldLongerFileKeepsItsTail) {
