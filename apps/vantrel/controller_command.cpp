@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "duration_option.h"
 #include "vantrel/hosts/modbus/modbus_mapping.h"
 #include "vantrel/hosts/modbus/modbus_server.h"
 #include "vantrel/hosts/program_commands.h"
@@ -136,7 +137,7 @@ CLI::App* AddControllerCommand(CLI::App& app, ControllerOptions& o) {
                    "Milliseconds between records (default: the program's)")
       ->check(CLI::Range(1, 3'600'000));
   command->add_option("--duration", o.durationSeconds, "Stop after this many seconds")
-      ->check(CLI::NonNegativeNumber);
+      ->check(DurationSeconds());
   hosts::AddModbusOptions(*command, o.modbus);
   return command;
 }

@@ -5,6 +5,7 @@
 #include "check_command.h"
 #include "controller_command.h"
 #include "crypt_command.h"
+#include "duration_option.h"
 #include "history_command.h"
 #include "host_options.h"
 #include "run_command.h"
@@ -21,7 +22,7 @@ int main(int argc, char** argv) {
   runCommand->add_option("--records", run.records, "Stop after this many rows")
       ->check(CLI::NonNegativeNumber);
   runCommand->add_option("--duration", run.durationSeconds, "Stop after this many seconds")
-      ->check(CLI::NonNegativeNumber);
+      ->check(vantrel::cli::DurationSeconds());
   runCommand->add_option("--events", run.eventsFile,
                          "Write every event as a JSON line to this file ('-' for stdout)");
   auto* yes = runCommand->add_flag("--yes", run.yes, "Answer Yes when asked to search a file");

@@ -58,5 +58,19 @@ expect_error "$work/plain.vtl" "$(printf 'Error in description file :\n%s\n\nInc
 "$vantrel" check --key TNK1 "$examples/tanks.vtlr" >/dev/null || fail "the user buffer file"
 "$vantrel" check --key XXXX "$examples/tanks.vtlr" >/dev/null 2>&1 && fail "a wrong key loads"
 
+# A folder (or device, or pipe) given as a description is named, never read.
+mkdir "$work/folder.vtld"
+expect_error "$work/folder.vtld" \
+  "$(printf 'Error in description file :\n%s\n\nNot a regular file !' "$work/folder.vtld")" \
+  "$(printf 'Error in description file :\n%s\r\rNot a regular file !' "$work/folder.vtld")"
+
+# A duration that is no finite number of seconds up to a year is refused before anything runs
+# ("nan" ran forever, a huge one stopped at once).
+for duration in nan inf 1e10 -1; do
+  "$vantrel" run --simulation --duration "$duration" >/dev/null 2>"$work/err"
+  status=$?
+  [ "$status" -eq 2 ] && grep -q -- "--duration" "$work/err" || fail "--duration $duration: status $status"
+done
+
 [ "$failures" -eq 0 ] && echo "all checks passed"
 exit "$failures"
