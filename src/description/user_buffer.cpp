@@ -75,6 +75,14 @@ bool LoadUserBuffer(TraceDescription& d, std::string_view userFile, std::string_
       simulationOut = UserBufferSimulation{
           RoundToInt32(Val(profile.ReadString("USER_BUFFER", "RecordInterval")) * 100),
           RoundToInt32(Val(profile.ReadString("USER_BUFFER", "RecordNumber")))};
+      // Without a period the simulation would never write a record: the run would wait for
+      // rows that never come.
+      if (simulationOut->intervalMs < 1) {
+        errMsg = "Invalid record interval in the source file :\n" + std::string(userFile) +
+                 "\nRecordInterval must be above 0";
+        simulationOut.reset();
+        return false;
+      }
       // The simulated ring lives in memory: no larger than the largest buffer a controller
       // can announce, so that a mistyped number cannot take the machine's memory.
       const int64_t registers =

@@ -44,6 +44,9 @@ TEST_F(UserBuffer, ColumnsAndHeaderFields) {
   EXPECT_EQ(d.Columns[3].Position, 9);  // not range-checked here
   EXPECT_EQ(d.Columns[4].Defined, 0);   // beyond Column=3
   EXPECT_FALSE(simulationOut.has_value());
+  EXPECT_FALSE(Load(Replace(kUserBuffer, "RecordInterval=2.5", "RecordInterval=0"), true, "TNK1"));
+  EXPECT_EQ(err, "Invalid record interval in the source file :\n" + path +
+                     "\nRecordInterval must be above 0");
   ASSERT_TRUE(Load(Replace(kUserBuffer, "HeaderKey=TNK1\n", ""), true, ""));
   ASSERT_TRUE(simulationOut.has_value());
   EXPECT_EQ(simulationOut->intervalMs, 250);
