@@ -38,8 +38,7 @@ void AppendStampCells(const Module& m, int32_t recordNumber, std::string_view st
   char digits[16];
   const auto end = std::to_chars(digits, digits + sizeof digits, recordNumber).ptr;
   const std::string_view number(digits, static_cast<size_t>(end - digits));
-  cells.Append(number, {}, recordNumber, CellValue::Integer(recordNumber),
-               ReadDecimalCell(number, recordNumber, 0, m.decimalSeparator, false));
+  cells.AppendDecimal(number, {}, recordNumber, CellValue::Integer(recordNumber));
   cells.Append(m.stamp.date, {}, 0, CellValue::Text(), m.stamp.dateReading);
   cells.Append(m.stamp.time, {}, 0, CellValue::Text(), m.stamp.timeReading);
   cells.Append(status, {}, 0, status.empty() ? CellValue{} : CellValue::Text(),
