@@ -542,7 +542,6 @@ bool RecordDecoder::Decode(std::span<const int32_t> registers, size_t first,
   const TraceDescription& description = tables_.description;
   try {
     RecordPass pass(tables_, registers, first, context, out, display_, comment_, key_, scratch_);
-    out.cells.Reserve(plan_.size());
     bool firstColumn = true;
     for (ColumnPlan& plan : plan_) {
       const ColumnDef& column = description.Columns[static_cast<size_t>(plan.number)];
