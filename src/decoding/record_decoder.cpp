@@ -1,5 +1,6 @@
 #include "decoding/record_decoder.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 
@@ -91,30 +92,41 @@ void AssignColumnText(std::string& out, const ColumnDef& column, int64_t value, 
 }
 
 void AssignDecimalText(std::string& out, int64_t value, int decimals, char decimalSeparator) {
-  out.clear();
-  if (decimals <= 0) {
-    if (value >= 0) out += ' ';
-    AppendDecimal(out, value);
-    return;
-  }
-  // Digits of the magnitude, zero-padded so that one digit stands before the separator.
+  // Digits of the magnitude, then the text built in a local buffer and assigned once; a value
+  // with more decimals than the buffer holds is padded in the string itself.
   char digits[24];
   const uint64_t magnitude =
       value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
   const auto end = std::to_chars(digits, digits + sizeof digits, magnitude).ptr;
   const auto count = static_cast<size_t>(end - digits);
-  const auto places = static_cast<size_t>(decimals);
-  if (value < 0) out += '-';
-  if (count <= places) {
-    out += '0';
-    out += decimalSeparator;
+  const auto places = static_cast<size_t>(std::max(decimals, 0));
+  char text[64];
+  char* o = text;
+  if (value < 0) {
+    *o++ = '-';
+  } else if (decimals <= 0) {
+    *o++ = ' ';  // a leading blank before a non-negative value without decimals
+  }
+  if (decimals <= 0) {
+    o = std::copy(digits, end, o);
+  } else if (count > places) {
+    // One digit at least before the separator.
+    o = std::copy(digits, digits + (count - places), o);
+    *o++ = decimalSeparator;
+    o = std::copy(digits + (count - places), end, o);
+  } else if (places < sizeof text - 4) {
+    *o++ = '0';
+    *o++ = decimalSeparator;
+    o = std::fill_n(o, places - count, '0');
+    o = std::copy(digits, end, o);
+  } else {
+    out.assign(text, o);
+    (out += '0') += decimalSeparator;
     out.append(places - count, '0');
     out.append(digits, count);
-  } else {
-    out.append(digits, count - places);
-    out += decimalSeparator;
-    out.append(digits + (count - places), places);
+    return;
   }
+  out.assign(text, o);
 }
 
 // A comparison of short texts that the compiler keeps inline.
