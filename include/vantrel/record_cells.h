@@ -79,9 +79,6 @@ class CellRow {
   // Every text and comment empty; values and readings of nothing.
   void ClearCells();
 
-  // Asks the processor to fetch the row's buffers ahead of their being written: a table
-  // refills the buffers of rows dropped long before, which have left the caches.
-  void Prefetch() const;
 
  private:
   enum Flags : uint8_t {

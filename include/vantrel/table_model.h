@@ -141,9 +141,6 @@ class TableModel {
   // Gives the row exactly one cell per column.
   void Shape(TableRow& row) const;
   void RowAppended();
-  // Fetches ahead what the next appends write at the row limit: the oldest row's buffers and
-  // the slot after it.
-  void PrefetchOldest() const;
   void CheckColumn(int column) const;
   template <typename F>
   void Notify(F&& f);
@@ -163,8 +160,6 @@ class TableModel {
 template <typename Fill>
 void TableModel::AppendRow(Fill&& fill) {
   TableRow& row = rows_.AppendSlot();
-  // The slot's old cell buffers usually pass to whoever fills it, to be written next.
-  row.cells.Prefetch();
   row.kind = RowKind::Record;
   row.recordNumber = 0;
   row.pcTime = {};
@@ -179,7 +174,6 @@ void TableModel::AppendRow(Fill&& fill) {
   }
   Shape(row);
   RowAppended();
-  PrefetchOldest();
 }
 
 }  // namespace vantrel

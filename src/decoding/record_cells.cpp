@@ -191,17 +191,4 @@ void CellRow::ClearCells() {
     cell = Cell{};
 }
 
-void CellRow::Prefetch() const {
-#if defined(__GNUC__)
-  const auto lines = [](const void* data, size_t bytes) {
-    const char* first = static_cast<const char*>(data);
-    for (size_t offset = 0; offset < bytes; offset += 64)
-      __builtin_prefetch(first + offset, 1);
-  };
-  lines(cells_.data(), cells_.size() * sizeof(Cell));
-  lines(texts_.data(), texts_.size());
-  lines(comments_.data(), comments_.size());
-#endif
-}
-
 }  // namespace vantrel

@@ -135,17 +135,6 @@ void TableModel::RowAppended() {
   Notify([&](TableObserver& o) { o.RowsAppended(added, 1); });
 }
 
-void TableModel::PrefetchOldest() const {
-  if (rows_.size() < 2) return;
-  rows_[0].stamps.Prefetch();
-  rows_[0].cells.Prefetch();
-#if defined(__GNUC__)
-  const char* next = reinterpret_cast<const char*>(&rows_[1]);
-  for (size_t offset = 0; offset < sizeof(TableRow); offset += 64)
-    __builtin_prefetch(next + offset, 1);
-#endif
-}
-
 void TableModel::RemoveRow(int row) {
   if (row < 1 || row >= RowCount()) throw RuntimeError::SubscriptOutOfRange();
   if (row == 1) {
