@@ -79,7 +79,6 @@ class CellRow {
   // Every text and comment empty; values and readings of nothing.
   void ClearCells();
 
-
  private:
   enum Flags : uint8_t {
     kNumber = 1,         // has a number: the payload's bits (a text), or in `aux`
