@@ -201,6 +201,7 @@ TEST(CarriedTexts, ColumnsGoInNumberOrderAndEveryRecordStartsEmpty) {
   EXPECT_EQ(f.Raw(), (std::vector<int64_t>{10, 20, 10}));
   ASSERT_TRUE(f.Decode({11, 21}));
   EXPECT_EQ(f.Texts(), (std::vector<std::string>{"", " 21", " 21"}));
+  EXPECT_EQ(f.record.cells.Number(2), 21.0);  // the carried text is read anew
 }
 
 TEST(StringDisplay, TenCharactersMoveTheColumnsAfterThemByTwoRegisters) {
