@@ -47,8 +47,8 @@ struct CellReading {
 };
 
 // A row of cells, packed: the texts back to back in one buffer, the comments in another, the
-// rest in one small record per cell. Assigning one row to another reuses its buffers, so a
-// table at its row limit appends rows without allocating.
+// rest in one record of 32 bytes per cell. Assigning one row to another reuses its buffers, so
+// a table at its row limit appends rows without allocating.
 class CellRow {
  public:
   size_t Size() const { return cells_.size(); }
@@ -60,10 +60,14 @@ class CellRow {
 
   void Append(std::string_view text, std::string_view comment, int64_t raw, const CellValue& value,
               const CellReading& reading);
+  // The same for an integer or decimal value (at most 22 decimals) whose number is the value
+  // itself: its text is its decimal rendering (see ReadDecimalCell).
+  void AppendDecimal(std::string_view text, std::string_view comment, int64_t raw,
+                     const CellValue& value);
 
   std::string_view Text(size_t i) const;
   std::string_view Comment(size_t i) const;
-  int64_t Raw(size_t i) const { return cells_[i].raw; }
+  int64_t Raw(size_t i) const;
   CellValue Value(size_t i) const;
   CellReading Reading(size_t i) const;
   std::optional<double> Number(size_t i) const;
@@ -76,27 +80,72 @@ class CellRow {
   void ClearCells();
 
  private:
-  enum Flags : uint8_t { kNumber = 1, kSerial = 2, kPlot = 4 };
+  enum Flags : uint8_t {
+    kNumber = 1,         // has a number: the payload's bits (a text), or in `aux`
+    kNumberInAux = 2,    // the number is `aux`
+    kNumberOfValue = 4,  // the number is the integer or decimal value itself
+    kSerial = 8,         // `aux` is the serial
+    kPlot = 16,          // `aux` is the graph's value, where it is not the number
+    kExtra = 32,         // raw value and readings are kept in `extras_`
+  };
   struct Cell {
     uint32_t textEnd = 0;
     uint32_t commentEnd = 0;
-    int64_t raw = 0;
-    // The value's integer, or the bits of its real number (Float, Timestamp).
-    int64_t payload = 0;
-    double number = 0;
-    // The serial of a date cell, or the graph's value where it is not the number.
-    double aux = 0;
+    int32_t raw = 0;
     ValueKind kind = ValueKind::None;
     uint8_t flags = 0;
     int16_t decimals = 0;
+    // The value's integer, the bits of its real number (Float, Timestamp), or the bits of a
+    // text's number.
+    int64_t payload = 0;
+    double aux = 0;
+  };
+  // What does not fit a cell's record: a raw value beyond 32 bits, or more readings than its
+  // one spare number holds. No decoded cell needs it.
+  struct Extra {
+    size_t cell = 0;
+    int64_t raw = 0;
+    CellReading reading;
   };
 
+  // Appends the texts and a cell record for them, to be filled in.
+  Cell& NewCell(std::string_view text, std::string_view comment);
   uint32_t TextBegin(size_t i) const { return i == 0 ? 0 : cells_[i - 1].textEnd; }
   uint32_t CommentBegin(size_t i) const { return i == 0 ? 0 : cells_[i - 1].commentEnd; }
+  const Extra& ExtraOf(size_t i) const;
+  [[noreturn]] static void TooLong();
+  void AppendWideDecimal(std::string_view text, std::string_view comment, int64_t raw,
+                         const CellValue& value);
 
   std::string texts_;
   std::string comments_;
   std::vector<Cell> cells_;
+  std::vector<Extra> extras_;
 };
+
+inline CellRow::Cell& CellRow::NewCell(std::string_view text, std::string_view comment) {
+  if (texts_.size() + text.size() > UINT32_MAX || comments_.size() + comment.size() > UINT32_MAX)
+    TooLong();
+  texts_ += text;
+  if (!comment.empty()) comments_ += comment;
+  Cell& cell = cells_.emplace_back();
+  cell.textEnd = static_cast<uint32_t>(texts_.size());
+  cell.commentEnd = static_cast<uint32_t>(comments_.size());
+  return cell;
+}
+
+inline void CellRow::AppendDecimal(std::string_view text, std::string_view comment, int64_t raw,
+                                   const CellValue& value) {
+  if (raw < INT32_MIN || raw > INT32_MAX) {
+    AppendWideDecimal(text, comment, raw, value);
+    return;
+  }
+  Cell& cell = NewCell(text, comment);
+  cell.raw = static_cast<int32_t>(raw);
+  cell.kind = value.kind;
+  cell.flags = kNumber | kNumberOfValue;
+  cell.decimals = value.decimals;
+  cell.payload = value.integer;
+}
 
 }  // namespace vantrel

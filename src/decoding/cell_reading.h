@@ -29,6 +29,10 @@ void AppendTextCell(CellRow& cells, std::string_view text, char decimalSeparator
 
 // The readings of a text that the decoder wrote for `value` / 10^`decimals` (the decimal
 // rendering): the same as ReadCellText gives for it, without reading the text again.
+// Whether that reading is the value itself, `value` / 10^`decimals` (CellRow::AppendDecimal):
+// not for a date column, nor where the quotient is not the one a double rounds to.
+bool DecimalReadingIsItsValue(int64_t value, int decimals, bool dateColumn);
+
 CellReading ReadDecimalCell(std::string_view text, int64_t value, int decimals,
                             char decimalSeparator, bool dateColumn);
 

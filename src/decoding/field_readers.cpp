@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 
+#include "platform/date_serial.h"
 #include "platform/runtime_error.h"
 
 namespace vantrel {
@@ -33,7 +34,7 @@ char* WriteDecimal(char* end, uint32_t value) {
   return end;
 }
 
-char* WriteTwoDigits(char* out, uint32_t value) {
+char* WriteTwoDigits(char* out, int value) {
   out[0] = static_cast<char>('0' + value / 10 % 10);
   out[1] = static_cast<char>('0' + value % 10);
   return out + 2;
@@ -163,36 +164,58 @@ std::string FormatBinary(int32_t value, int16_t width) {
   return text;
 }
 
+StampShape StampShapeOf(std::string_view letter) {
+  if (letter.size() != 1) return StampShape::Both;
+  if (letter[0] == 'h' || letter[0] == 'H') return StampShape::TimeOnly;
+  if (letter[0] == 'd' || letter[0] == 'D') return StampShape::DateOnly;
+  return StampShape::Both;
+}
+
 std::string FormatTimeValue(std::string_view letter, int32_t value, const Clock& clock) {
-  if (value < 0) return "Invalid time";
+  std::string text;
+  AssignTimeValue(text, StampShapeOf(letter), value, clock);
+  return text;
+}
+
+std::optional<double> AssignTimeValue(std::string& out, StampShape shape, int32_t value,
+                                      const Clock& clock) {
+  if (value < 0) {
+    out = "Invalid time";
+    return std::nullopt;
+  }
   const auto v = static_cast<uint32_t>(value);
-  const uint32_t month = v / 100000000;
-  const uint32_t day = v % 100000000 / 1000000;
-  const uint32_t hour = v % 1000000 / 10000;
-  const uint32_t minute = v % 10000 / 100;
-  const uint32_t second = v % 100;
-  const bool timeOnly = letter.size() == 1 && (letter[0] == 'h' || letter[0] == 'H');
-  const bool dateOnly = letter.size() == 1 && (letter[0] == 'd' || letter[0] == 'D');
+  // Every field is below 100, so its two digits read back as the field.
+  const auto month = static_cast<int>(v / 100000000);
+  const auto day = static_cast<int>(v % 100000000 / 1000000);
+  const auto hour = static_cast<int>(v % 1000000 / 10000);
+  const auto minute = static_cast<int>(v % 10000 / 100);
+  const auto second = static_cast<int>(v % 100);
   std::array<char, 17> text{};
-  char* out = text.data();
-  if (!timeOnly) {
-    // The controller's stamp has no year: the PC's stands in for it.
-    const auto year = static_cast<uint32_t>(clock.Now().year) % 100;
-    out = WriteTwoDigits(out, day);
-    *out++ = '/';
-    out = WriteTwoDigits(out, month);
-    *out++ = '/';
-    out = WriteTwoDigits(out, year);
-    if (!dateOnly) *out++ = ' ';
+  char* o = text.data();
+  std::optional<double> serial = 0.0;
+  if (shape != StampShape::TimeOnly) {
+    // The controller's stamp has no year: the PC's stands in for it, read back as a year
+    // below 30 in the 2000s.
+    const auto year = static_cast<int>(static_cast<uint32_t>(clock.Now().year) % 100);
+    o = WriteTwoDigits(o, day);
+    *o++ = '/';
+    o = WriteTwoDigits(o, month);
+    *o++ = '/';
+    o = WriteTwoDigits(o, year);
+    if (shape == StampShape::Both) *o++ = ' ';
+    serial = DaySerial(year + (year < 30 ? 2000 : 1900), month, day);
   }
-  if (!dateOnly) {
-    out = WriteTwoDigits(out, hour);
-    *out++ = ':';
-    out = WriteTwoDigits(out, minute);
-    *out++ = ':';
-    out = WriteTwoDigits(out, second);
+  if (shape != StampShape::DateOnly) {
+    o = WriteTwoDigits(o, hour);
+    *o++ = ':';
+    o = WriteTwoDigits(o, minute);
+    *o++ = ':';
+    o = WriteTwoDigits(o, second);
+    const auto time = TimeOfDaySerial(hour, minute, second);
+    serial = serial && time ? std::optional<double>(*serial + *time) : std::nullopt;
   }
-  return {text.data(), static_cast<size_t>(out - text.data())};
+  out.assign(text.data(), static_cast<size_t>(o - text.data()));
+  return serial;
 }
 
 std::string FormatDialString(int16_t width, std::string_view hexadecimal) {

@@ -14,6 +14,7 @@
 // The readers sit on the decoder's hot path: they allocate at most the returned string.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -56,6 +57,15 @@ std::string FormatBinary(int32_t value, int16_t width);
 // the year of `clock`; any other letter: both, date first. A negative value gives
 // "Invalid time".
 std::string FormatTimeValue(std::string_view letter, int32_t value, const Clock& clock);
+
+// What a stamp shows, by the letter after "t": the time, the date, or both.
+enum class StampShape : uint8_t { Both, TimeOnly, DateOnly };
+StampShape StampShapeOf(std::string_view letter);
+
+// FormatTimeValue written into `out`, and the spreadsheet serial that DateSerialFromText reads
+// from that text, taken from the stamp's fields (nothing for an invalid date or time).
+std::optional<double> AssignTimeValue(std::string& out, StampShape shape, int32_t value,
+                                      const Clock& clock);
 
 // The rightmost `width` characters of "000" + `hexadecimal` as a dial string: digits stay,
 // A * B # C W D , E + F blank (letters in any case), other characters are dropped.

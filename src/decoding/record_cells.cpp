@@ -7,8 +7,27 @@
 namespace vantrel {
 namespace {
 
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 bool IsReal(ValueKind kind) {
   return kind == ValueKind::Float || kind == ValueKind::Timestamp;
+}
+
+bool IsTextKind(ValueKind kind) {
+  return kind == ValueKind::None || kind == ValueKind::Text;
+}
+
+// The number of an integer or decimal value: its integer over 10^decimals.
+double ValueNumber(int64_t integer, int16_t decimals) {
+  if (decimals <= 0) return static_cast<double>(integer);
+  return static_cast<double>(integer) / kExactPowersOfTen[static_cast<size_t>(decimals)];
+}
+
+bool SameBits(double a, double b) {
+  return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
 }
 
 }  // namespace
@@ -17,6 +36,7 @@ void CellRow::Clear() {
   texts_.clear();
   comments_.clear();
   cells_.clear();
+  extras_.clear();
 }
 
 void CellRow::Resize(size_t cells) {
@@ -24,6 +44,7 @@ void CellRow::Resize(size_t cells) {
     texts_.resize(cells == 0 ? 0 : cells_[cells - 1].textEnd);
     comments_.resize(cells == 0 ? 0 : cells_[cells - 1].commentEnd);
     cells_.resize(cells);
+    std::erase_if(extras_, [cells](const Extra& e) { return e.cell >= cells; });
   }
   while (cells_.size() < cells)
     Append({}, {}, 0, {}, {});
@@ -35,31 +56,72 @@ void CellRow::Reserve(size_t cells) {
 
 void CellRow::Append(std::string_view text, std::string_view comment, int64_t raw,
                      const CellValue& value, const CellReading& reading) {
-  if (texts_.size() + text.size() > std::numeric_limits<uint32_t>::max() ||
-      comments_.size() + comment.size() > std::numeric_limits<uint32_t>::max()) {
-    throw RuntimeError::OutOfMemory();
-  }
-  texts_ += text;
-  if (!comment.empty()) comments_ += comment;
-  Cell& cell = cells_.emplace_back();
-  cell.textEnd = static_cast<uint32_t>(texts_.size());
-  cell.commentEnd = static_cast<uint32_t>(comments_.size());
-  cell.raw = raw;
-  cell.kind = value.kind;
-  cell.decimals = value.decimals;
-  cell.payload = IsReal(value.kind) ? std::bit_cast<int64_t>(value.real) : value.integer;
+  // The readings in the cell's record: a text's number in the payload, which its value leaves
+  // free; an integer's or decimal's when it is the value's own; else one number in `aux`.
+  uint8_t flags = 0;
+  int64_t payload = IsReal(value.kind) ? std::bit_cast<int64_t>(value.real) : value.integer;
+  double aux = 0;
+  bool auxUsed = false;
+  bool fits =
+      raw >= std::numeric_limits<int32_t>::min() && raw <= std::numeric_limits<int32_t>::max();
   if (reading.number) {
-    cell.flags |= kNumber;
-    cell.number = *reading.number;
+    const double number = *reading.number;
+    flags |= kNumber;
+    if (IsTextKind(value.kind) && payload == 0) {
+      payload = std::bit_cast<int64_t>(number);
+    } else if ((value.kind == ValueKind::Integer || value.kind == ValueKind::Decimal) &&
+               value.decimals <= 22 &&
+               SameBits(ValueNumber(value.integer, value.decimals), number)) {
+      flags |= kNumberOfValue;
+    } else {
+      flags |= kNumberInAux;
+      aux = number;
+      auxUsed = true;
+    }
   }
   // A date text is never a number, so the serial and a graph value of its own never meet.
   if (reading.serial) {
-    cell.flags |= kSerial;
-    cell.aux = *reading.serial;
+    fits = fits && !auxUsed;
+    flags |= kSerial;
+    aux = *reading.serial;
   } else if (reading.plot != (reading.number ? *reading.number : 0.0)) {
-    cell.flags |= kPlot;
-    cell.aux = reading.plot;
+    fits = fits && !auxUsed;
+    flags |= kPlot;
+    aux = reading.plot;
   }
+  if (!fits) {
+    CellReading kept = reading;
+    if ((flags & kPlot) == 0) kept.plot = reading.number ? *reading.number : 0.0;
+    extras_.push_back({cells_.size(), raw, kept});
+    flags = kExtra;
+    payload = IsReal(value.kind) ? std::bit_cast<int64_t>(value.real) : value.integer;
+    aux = 0;
+    raw = 0;
+  }
+  Cell& cell = NewCell(text, comment);
+  cell.raw = static_cast<int32_t>(raw);
+  cell.kind = value.kind;
+  cell.flags = flags;
+  cell.decimals = value.decimals;
+  cell.payload = payload;
+  cell.aux = aux;
+}
+
+void CellRow::AppendWideDecimal(std::string_view text, std::string_view comment, int64_t raw,
+                                const CellValue& value) {
+  const double number = ValueNumber(value.integer, value.decimals);
+  Append(text, comment, raw, value, {number, number, std::nullopt});
+}
+
+void CellRow::TooLong() {
+  throw RuntimeError::OutOfMemory();
+}
+
+const CellRow::Extra& CellRow::ExtraOf(size_t i) const {
+  for (auto e = extras_.rbegin(); e != extras_.rend(); ++e) {
+    if (e->cell == i) return *e;
+  }
+  throw RuntimeError::SubscriptOutOfRange();  // a cell marked kExtra always has one
 }
 
 std::string_view CellRow::Text(size_t i) const {
@@ -72,26 +134,38 @@ std::string_view CellRow::Comment(size_t i) const {
   return std::string_view(comments_).substr(begin, cells_[i].commentEnd - begin);
 }
 
+int64_t CellRow::Raw(size_t i) const {
+  const Cell& c = cells_[i];
+  return (c.flags & kExtra) != 0 ? ExtraOf(i).raw : c.raw;
+}
+
 CellValue CellRow::Value(size_t i) const {
   const Cell& c = cells_[i];
   if (IsReal(c.kind)) return {c.kind, c.decimals, 0, std::bit_cast<double>(c.payload)};
-  return {c.kind, c.decimals, c.payload, 0};
+  const bool numberInPayload =
+      (c.flags & (kNumber | kNumberInAux | kNumberOfValue)) == kNumber && IsTextKind(c.kind);
+  return {c.kind, c.decimals, numberInPayload ? 0 : c.payload, 0};
 }
 
 std::optional<double> CellRow::Number(size_t i) const {
   const Cell& c = cells_[i];
+  if ((c.flags & kExtra) != 0) return ExtraOf(i).reading.number;
   if ((c.flags & kNumber) == 0) return std::nullopt;
-  return c.number;
+  if ((c.flags & kNumberOfValue) != 0) return ValueNumber(c.payload, c.decimals);
+  if ((c.flags & kNumberInAux) != 0) return c.aux;
+  return std::bit_cast<double>(c.payload);
 }
 
 double CellRow::Plot(size_t i) const {
   const Cell& c = cells_[i];
+  if ((c.flags & kExtra) != 0) return ExtraOf(i).reading.plot;
   if ((c.flags & kPlot) != 0) return c.aux;
-  return (c.flags & kNumber) != 0 ? c.number : 0.0;
+  return Number(i).value_or(0.0);
 }
 
 std::optional<double> CellRow::Serial(size_t i) const {
   const Cell& c = cells_[i];
+  if ((c.flags & kExtra) != 0) return ExtraOf(i).reading.serial;
   if ((c.flags & kSerial) == 0) return std::nullopt;
   return c.aux;
 }
@@ -112,6 +186,7 @@ void CellRow::SetText(size_t i, std::string_view text) {
 void CellRow::ClearCells() {
   texts_.clear();
   comments_.clear();
+  extras_.clear();
   for (Cell& cell : cells_)
     cell = Cell{};
 }

@@ -1,5 +1,6 @@
 #include "decoding/record_decoder.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 
@@ -37,9 +38,18 @@ std::string Hex(int64_t value) {
   return std::string(first, digits + sizeof digits);
 }
 
-std::string PadLeft(std::string text, size_t width) {
-  text.insert(0, "000");
-  return text.size() > width ? text.substr(text.size() - width) : text;
+// Hexadecimal digits of `value`, zero-padded to at least `width`.
+void AssignHex(std::string& out, uint64_t value, size_t width) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  char digits[16];
+  char* first = digits + sizeof digits;
+  do {
+    *--first = kDigits[value & 0xF];
+    value >>= 4;
+  } while (value != 0);
+  while (static_cast<size_t>(digits + sizeof digits - first) < width)
+    *--first = '0';
+  out.assign(first, digits + sizeof digits);
 }
 
 // The leading decimal digits of a display code: decimals or a character count.
@@ -82,30 +92,50 @@ void AssignColumnText(std::string& out, const ColumnDef& column, int64_t value, 
 }
 
 void AssignDecimalText(std::string& out, int64_t value, int decimals, char decimalSeparator) {
-  out.clear();
-  if (decimals <= 0) {
-    if (value >= 0) out += ' ';
-    AppendDecimal(out, value);
-    return;
-  }
-  // Digits of the magnitude, zero-padded so that one digit stands before the separator.
+  // Digits of the magnitude, then the text built in a local buffer and assigned once; a value
+  // with more decimals than the buffer holds is padded in the string itself.
   char digits[24];
   const uint64_t magnitude =
       value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
   const auto end = std::to_chars(digits, digits + sizeof digits, magnitude).ptr;
   const auto count = static_cast<size_t>(end - digits);
-  const auto places = static_cast<size_t>(decimals);
-  if (value < 0) out += '-';
-  if (count <= places) {
-    out += '0';
-    out += decimalSeparator;
+  const auto places = static_cast<size_t>(std::max(decimals, 0));
+  char text[64];
+  char* o = text;
+  if (value < 0) {
+    *o++ = '-';
+  } else if (decimals <= 0) {
+    *o++ = ' ';  // a leading blank before a non-negative value without decimals
+  }
+  if (decimals <= 0) {
+    o = std::copy(digits, end, o);
+  } else if (count > places) {
+    // One digit at least before the separator.
+    o = std::copy(digits, digits + (count - places), o);
+    *o++ = decimalSeparator;
+    o = std::copy(digits + (count - places), end, o);
+  } else if (places < sizeof text - 4) {
+    *o++ = '0';
+    *o++ = decimalSeparator;
+    o = std::fill_n(o, places - count, '0');
+    o = std::copy(digits, end, o);
+  } else {
+    out.assign(text, o);
+    (out += '0') += decimalSeparator;
     out.append(places - count, '0');
     out.append(digits, count);
-  } else {
-    out.append(digits, count - places);
-    out += decimalSeparator;
-    out.append(digits + (count - places), places);
+    return;
   }
+  out.assign(text, o);
+}
+
+// A comparison of short texts that the compiler keeps inline.
+bool Same(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
 }
 
 void AssignDecimal(std::string& out, int64_t value) {
@@ -118,7 +148,7 @@ class RecordPass {
  public:
   RecordPass(const DecodingTables& tables, std::span<const int32_t> registers, size_t first,
              DecodingContext& context, DecodedRecord& out, std::string& display,
-             std::string& comment, std::string& key)
+             std::string& comment, std::string& key, std::string& scratch)
       : tables_(tables),
         registers_(registers),
         first_(first),
@@ -127,7 +157,8 @@ class RecordPass {
         sink_(out.readerErrors),
         display_(display),
         comment_(comment),
-        key_(key) {
+        key_(key),
+        scratch_(scratch) {
     // A record starts with nothing carried over from the previous one.
     display_.clear();
   }
@@ -138,14 +169,9 @@ class RecordPass {
     return index >= 0 && index < static_cast<int64_t>(registers_.size());
   }
 
-  void DecodeColumn(const ColumnDef& column) {
+  void DecodeColumn(ColumnPlan& plan, const ColumnDef& column) {
+    plan_ = &plan;
     comment_.clear();
-    code_ = column.DisplayCode;
-    last_ = code_.empty() ? '\0' : code_.back();
-    signMarker_ = false;
-    for (const char c : code_)
-      signMarker_ = signMarker_ || c == 's' || c == 'S';
-    decimals_ = LeadingNumber(code_);
     value_ = CellValue::Text();
     decimalCell_ = false;
     try {
@@ -175,20 +201,30 @@ class RecordPass {
       if (!out_.passesOverFailures) throw;
       decimalCell_ = false;
     }
-    const bool dateColumn = IsDateKind(ExportKindOfCode(code_));
+    // A string column's raw value is the last register it read.
+    const int64_t raw = column.FieldType == kStrg ? lastRegister_ : raw_;
+    if (decimalCell_ &&
+        DecimalReadingIsItsValue(value_.integer, value_.decimals, plan.dateColumn)) {
+      out_.cells.AppendDecimal(display_, comment_, raw, value_);
+      return;
+    }
     CellReading reading;
     if (decimalCell_) {
       reading = ReadDecimalCell(display_, value_.integer, value_.decimals, tables_.decimalSeparator,
-                                dateColumn);
+                                plan.dateColumn);
     } else if (value_.kind == ValueKind::Timestamp) {
       // The text of a stamp is a date or a time, never a number; its serial is known.
-      if (dateColumn) reading.serial = value_.real;
+      if (plan.dateColumn) reading.serial = value_.real;
+    } else if (plan.readingKnown && Same(display_, plan.readText)) {
+      // Most columns show the same few texts record after record.
+      reading = plan.reading;
     } else {
-      reading = ReadCellText(display_, tables_.decimalSeparator, dateColumn);
+      reading = ReadCellText(display_, tables_.decimalSeparator, plan.dateColumn);
+      plan.readText = display_;
+      plan.reading = reading;
+      plan.readingKnown = true;
     }
-    // A string column's raw value is the last register it read.
-    out_.cells.Append(display_, comment_, column.FieldType == kStrg ? lastRegister_ : raw_, value_,
-                      reading);
+    out_.cells.Append(display_, comment_, raw, value_, reading);
   }
 
  private:
@@ -223,7 +259,7 @@ class RecordPass {
   // The rendering shared by every field type for the value-list codes; false when the code
   // is not one of them.
   bool LookupByCode(const ColumnDef& column, int64_t value) {
-    switch (last_) {
+    switch (plan_->last) {
       case 's':
         AssignColumnText(display_, column, value, false);
         return true;
@@ -231,21 +267,21 @@ class RecordPass {
         AssignColumnText(display_, column, value, true);
         return true;
       case 'f':
-        AssignValueText(column, value, false);
+        AssignValueText(value, false);
         return true;
       case 'F':
-        AssignValueText(column, value, true);
+        AssignValueText(value, true);
         return true;
       default:
         return false;
     }
   }
 
-  void AssignValueText(const ColumnDef& column, int64_t value, bool plain) {
+  void AssignValueText(int64_t value, bool plain) {
     // The key is built in a buffer kept across columns: this runs for most cells.
     key_.clear();
     int32_t& application = context_.currentApplication;
-    if (IEquals(column.Caption, "Application")) {
+    if (plan_->application) {
       if (value <= INT32_MAX && value >= INT32_MIN) {
         application = static_cast<int32_t>(value);
       } else if (!out_.passesOverFailures) {
@@ -255,7 +291,7 @@ class RecordPass {
       key_ += "_Application_0";
     } else {
       AppendDecimal(key_, application);
-      ((key_ += '_') += column.Caption) += '_';
+      key_ += plan_->keySuffix;
       AppendDecimal(key_, value);
     }
     if (const cValue* item = tables_.valueTexts.Find(key_)) {
@@ -298,17 +334,15 @@ class RecordPass {
       binaryWidth = 16;
       dialWidth = 4;
     }
-    switch (last_) {
+    switch (plan_->last) {
       case 'd':
-        if (signMarker_ && column.FieldType == kByte && part > 127) part -= 256;
-        if (signMarker_ && column.FieldType == kWord && part > 32767) part -= 65536;
-        SetDecimal(part, decimals_);
+        if (plan_->signMarker && column.FieldType == kByte && part > 127) part -= 256;
+        if (plan_->signMarker && column.FieldType == kWord && part > 32767) part -= 65536;
+        SetDecimal(part, plan_->decimals);
         break;
       case 'h':
-        display_ = column.FieldType == kNible ? Hex(part)
-                   : column.FieldType == kByte
-                       ? PadLeft(Hex(part), std::max<size_t>(2, Hex(part).size()))
-                       : PadLeft(Hex(part), 4);
+        // A nibble's one digit, a byte's two, a word's four.
+        AssignHex(display_, static_cast<uint64_t>(part), static_cast<size_t>(dialWidth));
         break;
       case 'a':
         display_ =
@@ -336,19 +370,29 @@ class RecordPass {
     // the record is decoded past it and the row is added.
     out_.passesOverFailures = true;
     try {
-      if (code_ == "ga") {
-        display_ = ReadMedia(working, sink_);
-      } else if (code_ == "gv") {
-        const std::string media = ReadMedia(working, sink_);
-        display_ = media.size() > 2 ? media.substr(2) : std::string();
-      } else if (code_ == "gm") {
-        AssignColumnText(display_, column, ReadByte(2, reg, sink_), false);
-      } else if (code_ == "gs" || code_ == "gc") {
-        const bool name = code_ == "gs";
-        display_ = name ? "<Not found>" : "<No found>";
-        if (const colSymbols* symbol = tables_.symbols.Find(ReadMedia(working, sink_))) {
-          display_ = name ? symbol->Name() : symbol->Comment();
+      switch (plan_->symbol) {
+        case SymbolFormat::Address:
+          display_ = ReadMedia(working, sink_);
+          break;
+        case SymbolFormat::Value: {
+          const std::string media = ReadMedia(working, sink_);
+          display_ = media.size() > 2 ? media.substr(2) : std::string();
+          break;
         }
+        case SymbolFormat::Member:
+          AssignColumnText(display_, column, ReadByte(2, reg, sink_), false);
+          break;
+        case SymbolFormat::Name:
+        case SymbolFormat::Note: {
+          const bool name = plan_->symbol == SymbolFormat::Name;
+          display_ = name ? "<Not found>" : "<No found>";
+          if (const colSymbols* symbol = tables_.symbols.Find(ReadMedia(working, sink_))) {
+            display_ = name ? symbol->Name() : symbol->Comment();
+          }
+          break;
+        }
+        default:
+          break;
       }
     } catch (const RuntimeError&) {
     }
@@ -356,30 +400,32 @@ class RecordPass {
   }
 
   void DecodeLong(const ColumnDef& column, int32_t reg) {
-    const int64_t working = signMarker_ ? reg : Unsigned(reg);
-    if (code_.size() == 2 && code_[0] == 'g') {
+    const int64_t working = plan_->signMarker ? reg : Unsigned(reg);
+    if (plan_->symbol != SymbolFormat::None) {
       DecodeSymbol(column, reg, working);
       return;
     }
     raw_ = reg;
-    if (!code_.empty() && code_[0] == 't') {
-      display_ = FormatTimeValue(code_.substr(1), reg, tables_.clock);
-      if (const auto serial = DateSerialFromText(display_)) value_ = CellValue::Timestamp(*serial);
+    if (plan_->stamp) {
+      // The serial comes from the stamp's fields, as reading its text back would give it.
+      if (const auto serial = AssignTimeValue(display_, plan_->stampShape, reg, tables_.clock))
+        value_ = CellValue::Timestamp(*serial);
       return;
     }
     const int64_t word0 = Read2Bytes(0, reg, sink_);
     const int64_t word1 = Read2Bytes(1, reg, sink_);
-    switch (last_) {
+    switch (plan_->last) {
       case 'd':
-        SetDecimal(reg, decimals_);
+        SetDecimal(reg, plan_->decimals);
         break;
       case 'h':
-        display_ = PadLeft(Hex(word1) + PadLeft(Hex(word0), 4), 8);
+        // Eight digits: word 1's, then word 0's.
+        AssignHex(display_, static_cast<uint64_t>(word1 << 16 | word0), 8);
         raw_ = word1;
         break;
       case 'a':
-        display_ =
-            ReadASCII(static_cast<int16_t>(decimals_ == 0 ? 4 : decimals_), working, true, sink_);
+        display_ = ReadASCII(static_cast<int16_t>(plan_->decimals == 0 ? 4 : plan_->decimals),
+                             working, true, sink_);
         break;
       case 'b':
         display_ = FormatBinary(static_cast<int32_t>(word1), 16) + " " +
@@ -397,12 +443,18 @@ class RecordPass {
   }
 
   void DecodeString(const ColumnDef& column) {
-    if (last_ == 'a') {
-      std::string text;
+    if (plan_->last == 'a') {
+      // Built aside: a register outside the block leaves the text shown before.
+      scratch_.clear();
       for (int i = 0; i <= column.ExtraRegisters; ++i) {
-        text += ReadASCII(4, Unsigned(Register(column.RegisterIndex + i)), true, sink_);
+        const auto u = static_cast<uint32_t>(Register(column.RegisterIndex + i));
+        for (int shift = 24; shift >= 0; shift -= 8) {
+          const uint32_t code = (u >> shift) & 0xFFu;
+          scratch_ += static_cast<char>(code < 32 ? 127 : code);
+        }
       }
-      display_ = text.substr(0, static_cast<size_t>(std::max(column.StringLength, 0)));
+      const auto length = static_cast<size_t>(std::max(column.StringLength, 0));
+      display_.assign(scratch_, 0, std::min(length, scratch_.size()));
     }
   }
 
@@ -412,10 +464,7 @@ class RecordPass {
   DecodingContext& context_;
   DecodedRecord& out_;
   ReaderErrors sink_;
-  std::string_view code_;
-  char last_ = '\0';
-  bool signMarker_ = false;
-  int decimals_ = 0;
+  const ColumnPlan* plan_ = nullptr;
   int32_t lastRegister_ = 0;
   // The column's raw value; a column that decodes nothing keeps the previous one's.
   int64_t raw_ = 0;
@@ -427,6 +476,7 @@ class RecordPass {
   std::string& display_;
   std::string& comment_;
   std::string& key_;
+  std::string& scratch_;
 };
 
 }  // namespace
@@ -443,6 +493,55 @@ std::string LookupColumnText(const ColumnDef& column, int64_t value, bool plain)
   return text;
 }
 
+bool RecordDecoder::PlanFits() const {
+  const TraceDescription& description = tables_.description;
+  const int highest = std::min<int>(description.ColumnCount, 127);
+  size_t k = 0;
+  for (int number = 0; number <= highest; ++number) {
+    const ColumnDef& column = description.Columns[static_cast<size_t>(number)];
+    if (!column.Defined) continue;
+    if (k == plan_.size()) return false;
+    const ColumnPlan& plan = plan_[k++];
+    // Only the value-text codes read the caption.
+    if (plan.number != number || !Same(plan.code, column.DisplayCode) ||
+        ((plan.last == 'f' || plan.last == 'F') && !Same(plan.caption, column.Caption))) {
+      return false;
+    }
+  }
+  return k == plan_.size();
+}
+
+void RecordDecoder::Plan() {
+  plan_.clear();
+  const TraceDescription& description = tables_.description;
+  const int highest = std::min<int>(description.ColumnCount, 127);
+  for (int number = 0; number <= highest; ++number) {
+    const ColumnDef& column = description.Columns[static_cast<size_t>(number)];
+    if (!column.Defined) continue;
+    ColumnPlan& plan = plan_.emplace_back();
+    const std::string_view code = column.DisplayCode;
+    plan.number = number;
+    plan.code = code;
+    plan.caption = column.Caption;
+    plan.keySuffix.push_back('_');
+    plan.keySuffix.append(column.Caption);
+    plan.keySuffix.push_back('_');
+    plan.last = code.empty() ? '\0' : code.back();
+    plan.signMarker = code.find_first_of("sS") != std::string_view::npos;
+    plan.decimals = static_cast<int16_t>(LeadingNumber(code));
+    plan.dateColumn = IsDateKind(ExportKindOfCode(code));
+    plan.application = IEquals(column.Caption, "Application");
+    plan.stamp = !code.empty() && code[0] == 't';
+    if (plan.stamp) plan.stampShape = StampShapeOf(code.substr(1));
+    if (code.size() == 2 && code[0] == 'g') {
+      static constexpr std::string_view kLetters = "avmsc";
+      const size_t format = kLetters.find(code[1]);
+      plan.symbol = format == std::string_view::npos ? SymbolFormat::Unknown
+                                                     : static_cast<SymbolFormat>(format + 1);
+    }
+  }
+}
+
 bool RecordDecoder::Decode(std::span<const int32_t> registers, size_t first,
                            DecodingContext& context, DecodedRecord& out) {
   out.cells.Clear();
@@ -451,15 +550,13 @@ bool RecordDecoder::Decode(std::span<const int32_t> registers, size_t first,
   out.failureNumber = 0;
   out.failureMessage.clear();
   out.passesOverFailures = false;
+  if (!PlanFits()) Plan();
   const TraceDescription& description = tables_.description;
   try {
-    RecordPass pass(tables_, registers, first, context, out, display_, comment_, key_);
-    const int highest = std::min<int>(description.ColumnCount, 127);
-    out.cells.Reserve(static_cast<size_t>(highest + 1));
+    RecordPass pass(tables_, registers, first, context, out, display_, comment_, key_, scratch_);
     bool firstColumn = true;
-    for (int number = 0; number <= highest; ++number) {
-      const ColumnDef& column = description.Columns[static_cast<size_t>(number)];
-      if (!column.Defined) continue;
+    for (ColumnPlan& plan : plan_) {
+      const ColumnDef& column = description.Columns[static_cast<size_t>(plan.number)];
       // A short block after a counter area that claims a larger ring leaves thousands of
       // records past its end. Each fails at its first column; that one is found without
       // throwing, which would otherwise cost more than decoding a whole record.
@@ -467,7 +564,7 @@ bool RecordDecoder::Decode(std::span<const int32_t> registers, size_t first,
         throw RuntimeError::SubscriptOutOfRange();
       }
       firstColumn = false;
-      pass.DecodeColumn(column);
+      pass.DecodeColumn(plan, column);
     }
     return true;
   } catch (const RuntimeError& e) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "decoding/field_readers.h"
 #include "description/trace_description.h"
 #include "symbols/symbol_collection.h"
 #include "symbols/value_texts.h"
@@ -47,6 +48,32 @@ struct DecodingTables {
   char decimalSeparator = '.';
 };
 
+// What a "g" display code shows of a symbol address.
+enum class SymbolFormat : uint8_t { None, Address, Value, Member, Name, Note, Unknown };
+
+// How a defined column renders its field, worked out from its display code and caption once
+// per description instead of for every record.
+struct ColumnPlan {
+  int number = 0;
+  // The display code and caption the plan was made from.
+  std::string code;
+  std::string caption;
+  // "_<caption>_": the middle of the column's value-text keys.
+  std::string keySuffix;
+  char last = '\0';  // the code's last letter
+  bool signMarker = false;
+  int16_t decimals = 0;  // the code's leading number
+  bool dateColumn = false;
+  bool application = false;  // captioned "Application" (any case)
+  bool stamp = false;        // a "t" code
+  StampShape stampShape = StampShape::Both;
+  SymbolFormat symbol = SymbolFormat::None;
+  // The readings of the text the column showed last (read by ReadCellText).
+  bool readingKnown = false;
+  std::string readText;
+  CellReading reading;
+};
+
 class RecordDecoder {
  public:
   explicit RecordDecoder(const DecodingTables& tables) : tables_(tables) {}
@@ -57,9 +84,15 @@ class RecordDecoder {
               DecodedRecord& out);
 
  private:
+  // Whether the plan was made from the description as it is now; checked for every record,
+  // which costs a comparison of each column's code and caption.
+  bool PlanFits() const;
+  void Plan();
+
   DecodingTables tables_;
+  std::vector<ColumnPlan> plan_;
   // Text buffers reused from one record to the next.
-  std::string display_, comment_, key_;
+  std::string display_, comment_, key_, scratch_;
 };
 
 // Text of a value by the column's own value list: the first matching entry, else the

@@ -54,8 +54,7 @@ void RowStore::AppendStampCells(std::string_view status, CellRow& cells) const {
   char digits[16];
   const auto end = std::to_chars(digits, digits + sizeof digits, recordCount_).ptr;
   const std::string_view number(digits, static_cast<size_t>(end - digits));
-  cells.Append(number, {}, recordCount_, CellValue::Integer(recordCount_),
-               ReadDecimalCell(number, recordCount_, 0, decimalSeparator_, false));
+  cells.AppendDecimal(number, {}, recordCount_, CellValue::Integer(recordCount_));
   cells.Append(stamp_.date, {}, 0, CellValue::Text(), stamp_.dateReading);
   cells.Append(stamp_.time, {}, 0, CellValue::Text(), stamp_.timeReading);
   cells.Append(status, {}, 0, status.empty() ? CellValue{} : CellValue::Text(),

@@ -10,8 +10,11 @@ namespace vantrel {
 void TableModel::Shape(TableRow& row) const {
   const auto columns = static_cast<size_t>(ColumnCount());
   const auto stamps = static_cast<size_t>(kFirstTraceColumn);
-  row.stamps.Resize(std::min(columns, stamps));
-  row.cells.Resize(columns > stamps ? columns - stamps : 0);
+  const size_t stampCells = std::min(columns, stamps);
+  const size_t traceCells = columns > stamps ? columns - stamps : 0;
+  // Rows appended as the table is shaped need nothing done.
+  if (row.stamps.Size() != stampCells) row.stamps.Resize(stampCells);
+  if (row.cells.Size() != traceCells) row.cells.Resize(traceCells);
 }
 
 template <typename F>

@@ -63,13 +63,9 @@ std::optional<double> DatePart(std::string_view text) {
   int digits[3];
   int count = 0;
   if (!SplitNumbers(text, '/', parts, count, digits) || count != 3) return std::nullopt;
-  const int day = parts[0];
-  const int month = parts[1];
   int year = parts[2];
   if (digits[2] <= 2) year += year < 30 ? 2000 : 1900;
-  if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month) || year > 9999)
-    return std::nullopt;
-  return static_cast<double>(DaysFromCivil(year, month, day) - kSerialEpoch);
+  return DaySerial(year, parts[1], parts[0]);
 }
 
 std::optional<double> TimePart(std::string_view text) {
@@ -77,8 +73,7 @@ std::optional<double> TimePart(std::string_view text) {
   int digits[3];
   int count = 0;
   if (!SplitNumbers(text, ':', parts, count, digits) || count < 2) return std::nullopt;
-  if (parts[0] > 23 || parts[1] > 59 || parts[2] > 59) return std::nullopt;
-  return (parts[0] * 3600 + parts[1] * 60 + parts[2]) / 86400.0;
+  return TimeOfDaySerial(parts[0], parts[1], parts[2]);
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -88,6 +83,17 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 }  // namespace
+
+std::optional<double> DaySerial(int year, int month, int day) {
+  if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month) || year > 9999)
+    return std::nullopt;
+  return static_cast<double>(DaysFromCivil(year, month, day) - kSerialEpoch);
+}
+
+std::optional<double> TimeOfDaySerial(int hour, int minute, int second) {
+  if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+  return (hour * 3600 + minute * 60 + second) / 86400.0;
+}
 
 double DateSerial(const DateTime& when) {
   const auto days =

@@ -18,6 +18,11 @@ double DateSerial(const DateTime& when);
 // fraction of day 0. Nothing when the text is not a valid date or time.
 std::optional<double> DateSerialFromText(std::string_view text);
 
+// The parts of DateSerialFromText, for a date or time known by its fields (a four-digit
+// year): nothing when the date is not a valid one or the time not within a day.
+std::optional<double> DaySerial(int year, int month, int day);
+std::optional<double> TimeOfDaySerial(int hour, int minute, int second);
+
 // The date and time of a serial number, to the nearest second.
 DateTime DateTimeFromSerial(double serial);
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/date_serial.h"
 #include "vantrel/manual_clock.h"
 
 namespace vantrel {
@@ -64,7 +65,7 @@ TEST(PartReaders, PartsOfTheUnsignedRegisterAndIndexesOutsideTheTable) {
   }
 }
 
-TEST(CharacterReaders, StringsUnchangedAndASCIIWithCode127AndQuotes) {
+TEST(CharacterReaders, StringsASCIIAndMediaAddresses) {
   CollectedErrors errors;
   EXPECT_EQ(ReadString(0x56544C31, errors), "VTL1");
   EXPECT_EQ(ReadString(0x41000A42, errors), std::string("A\0\nB", 4));
@@ -77,10 +78,8 @@ TEST(CharacterReaders, StringsUnchangedAndASCIIWithCode127AndQuotes) {
   EXPECT_TRUE(errors.texts.empty());
   EXPECT_EQ(ReadASCII(6, 0x41424344, true, errors), "");
   EXPECT_EQ(errors.texts, std::vector<std::string>{"Error in ReadASCII function."});
-}
-
-TEST(MediaAddresses, PrefixesBareAddressesAndTheLimit) {
-  CollectedErrors errors;
+  // Media addresses: prefixes, bare addresses and the limit.
+  errors.texts.clear();
   EXPECT_EQ(ReadMedia(0x00030000 + 12, errors), "F 12");
   EXPECT_EQ(ReadMedia(0x00120000 + 1600, errors), "C 1600");
   EXPECT_EQ(ReadMedia(0x00130000 + 5, errors), "T 5");
@@ -94,7 +93,7 @@ TEST(MediaAddresses, PrefixesBareAddressesAndTheLimit) {
   EXPECT_EQ(errors.texts, std::vector<std::string>{"Error in ReadMedia function."});
 }
 
-TEST(BinaryText, WidthsPaddingAndNegativeValues) {
+TEST(BinaryAndDialTexts, WidthsPaddingLettersAndNegativeValues) {
   EXPECT_EQ(FormatBinary(0x1F, 4), "1111");
   EXPECT_EQ(FormatBinary(0xABCD, 16), "10101011 11001101");
   EXPECT_EQ(FormatBinary(0x1FF, 8), "11111111");
@@ -105,9 +104,7 @@ TEST(BinaryText, WidthsPaddingAndNegativeValues) {
   EXPECT_EQ(FormatBinary(0x12345678, 32), "00010010001101000101011001111000");
   EXPECT_EQ(FormatBinary(-1, 16), "11111111 11111111");
   EXPECT_EQ(FormatBinary(kMinLong, 32), "1" + std::string(31, '0'));
-}
-
-TEST(DialText, LettersInAnyCaseAndOnlyTheRightmostWidthCharactersCount) {
+  // Dial texts: letters in any case, and only the rightmost `width` characters count.
   EXPECT_EQ(FormatDialString(4, "cdef"), "W,+ ");
   EXPECT_EQ(FormatDialString(2, "1A2B"), "2#");
   EXPECT_EQ(FormatDialString(4, "G1"), "001");
@@ -125,6 +122,23 @@ TEST(TimeTexts, LettersTwoDigitPartsAndThePCsYear) {
   EXPECT_EQ(FormatTimeValue("", kMinLong, clock), "Invalid time");
   clock.Set(DateTime{2100, 1, 1});
   EXPECT_EQ(FormatTimeValue("d", 1115143025, clock), "15/11/00");
+}
+
+// A stamp's serial comes from its fields: it must be what reading its text back gives, for
+// valid and invalid dates and times, in years on either side of the two-digit limit.
+TEST(TimeTexts, SerialsAreThoseOfTheirTexts) {
+  const std::vector<int32_t> stamps = {0,         101000000,  228235959,  229240000,  430000060,
+                                       431006000, 1231120000, 1301120000, 2147483647, -1};
+  for (const int year : {2024, 2025, 2029, 2030}) {
+    for (const char* letter : {"", "h", "D", "x"}) {
+      for (const int32_t value : stamps) {
+        std::string text;
+        const ManualClock clock{DateTime{year, 6, 1}};
+        const auto serial = AssignTimeValue(text, StampShapeOf(letter), value, clock);
+        EXPECT_EQ(serial, DateSerialFromText(text)) << text;
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -201,6 +201,7 @@ TEST(CarriedTexts, ColumnsGoInNumberOrderAndEveryRecordStartsEmpty) {
   EXPECT_EQ(f.Raw(), (std::vector<int64_t>{10, 20, 10}));
   ASSERT_TRUE(f.Decode({11, 21}));
   EXPECT_EQ(f.Texts(), (std::vector<std::string>{"", " 21", " 21"}));
+  EXPECT_EQ(f.record.cells.Number(2), 21.0);  // the carried text is read anew
 }
 
 TEST(StringDisplay, TenCharactersMoveTheColumnsAfterThemByTwoRegisters) {
@@ -270,6 +271,10 @@ TEST(ApplicationTexts, AnApplicationColumnSelectsTheTextsOfLaterColumnsAndRecord
   EXPECT_EQ(f.Texts(), (std::vector<std::string>{"Manual", "<4>", "2"}));
   EXPECT_EQ(f.Comments(), (std::vector<std::string>{"by hand", "", ""}));
   EXPECT_EQ(f.context.currentApplication, 4);
+  f.Define(2, kByte, 0, 0, "APPLICATION", "F");  // a renamed column looks other keys up
+  ASSERT_TRUE(f.Decode({0x0302}));
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"<2>", "Pump 3", "2"}));
+  EXPECT_EQ(f.context.currentApplication, 2);
 }
 
 TEST(ApplicationTexts, LongsLookUpTheirValueUnsignedWithoutTheMarker) {
@@ -279,10 +284,7 @@ TEST(ApplicationTexts, LongsLookUpTheirValueUnsignedWithoutTheMarker) {
   ASSERT_TRUE(f.Decode({-1}));
   EXPECT_EQ(f.Texts(), (std::vector<std::string>{"<4294967295>", "4294967295"}));
   EXPECT_EQ(f.Raw(), (std::vector<int64_t>{-1, -1}));
-}
-
-TEST(ApplicationTexts, AnApplicationBeyond32BitsEndsTheRecord) {
-  ValueTextFixture f;
+  // An application beyond 32 bits ends the record.
   f.Define(0, kLong, 0, 0, "Application", "f");
   EXPECT_FALSE(f.Decode({-1}));
   EXPECT_TRUE(f.record.failed);
@@ -341,10 +343,11 @@ TEST(RecordFailures, ReaderErrorsAreCollectedAndTheRecordIsDecoded) {
   ASSERT_TRUE(f.Decode({9}));
   EXPECT_EQ(f.Texts(), (std::vector<std::string>{" 0", " 9"}));
   EXPECT_EQ(f.record.readerErrors, std::vector<std::string>{"Error in ReadByte function."});
-  // The next record starts without them.
-  f.Define(0, kByte, 0, 0, "Fixed", "d");
+  // The next record starts without them, and follows the changed description.
+  f.Define(0, kByte, 0, 0, "Fixed", "h");
   ASSERT_TRUE(f.Decode({9}));
   EXPECT_TRUE(f.record.readerErrors.empty());
+  EXPECT_EQ(f.Texts(), (std::vector<std::string>{"09", " 9"}));
 }
 
 TEST(RecordFailures, RecordsPastTheEndOfAShortBlockFailAlike) {
@@ -359,14 +362,11 @@ TEST(RecordFailures, RecordsPastTheEndOfAShortBlockFailAlike) {
     EXPECT_EQ(f.record.failureNumber, 9);
     EXPECT_EQ(f.record.failureMessage, "Subscript out of range");
   }
-}
-
-TEST(RecordFailures, AStringReachingBeyondTheBlockEndsTheRecord) {
-  DecoderFixture f;
-  ColumnDef& c = f.Define(0, kStrg, 0, 0, "S", "a");
+  // So does a string reaching beyond the block.
+  ColumnDef& c = f.Define(2, kStrg, 1, 0, "S", "a");
   c.StringLength = 8;
   c.ExtraRegisters = 1;
-  EXPECT_FALSE(f.Decode({Packed("ABCD")}));
+  EXPECT_FALSE(f.Decode({7, Packed("ABCD")}));
   EXPECT_EQ(f.record.failureMessage, "Subscript out of range");
 }
 

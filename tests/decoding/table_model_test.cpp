@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "platform/runtime_error.h"
 
 namespace vantrel {
@@ -61,6 +63,34 @@ TEST(TableModel, RowsAreKeptAsValuesShapedToTheColumns) {
   EXPECT_EQ(t.Row(2).Number(1), std::nullopt) << "an added empty cell reads as nothing";
 }
 
+// A cell gives back exactly the value, raw value and readings it was made with, also where
+// they do not fit its record (a raw value beyond 32 bits, a number and a serial besides a value).
+TEST(CellRow, ValuesRawValuesAndReadingsComeBackAsGiven) {
+  const std::vector<std::tuple<CellValue, int64_t, CellReading>> cases = {
+      {CellValue::Text(), -1, {120000.0, 12.0, std::nullopt}},
+      {CellValue::Text(), 0, {std::nullopt, 0.0, 46341.5}},
+      {{ValueKind::Text, 0, 5, 0}, 0, {7.0, 7.0, std::nullopt}},
+      {CellValue::Decimal(5, 2), 5, {0.5, 0.5, 2.0}},
+      {CellValue::Integer(1), int64_t{1} << 40, {1.0, 1.0, std::nullopt}},
+      {CellValue::Timestamp(46341.25), 9, {std::nullopt, 0.0, 46341.25}},
+      {{ValueKind::Float, 0, 0, 2.5}, 0, {2.5, 3.0, std::nullopt}},
+      {CellValue{}, 0, {}},
+  };
+  CellRow row;
+  for (const auto& [value, raw, reading] : cases)
+    row.Append("t", {}, raw, value, reading);
+  for (size_t i = 0; i < cases.size(); ++i) {
+    const auto& [value, raw, reading] = cases[i];
+    const CellValue kept = row.Value(i);
+    EXPECT_EQ(std::tie(kept.kind, kept.decimals, kept.integer, kept.real),
+              std::tie(value.kind, value.decimals, value.integer, value.real))
+        << i;
+    EXPECT_EQ(std::tuple(row.Raw(i), row.Number(i), row.Plot(i), row.Serial(i)),
+              std::tuple(raw, reading.number, reading.plot, reading.serial))
+        << i;
+  }
+}
+
 TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
   TableModel t;
   t.SetColumnCount(3);
@@ -75,35 +105,28 @@ TEST(TableModel, CellsCanBeRewrittenWithoutDisturbingTheirNeighbours) {
   EXPECT_EQ(Texts(t, 1), (Cells{"", "longer text", "", ""}));
 }
 
-TEST(TableModel, ARowAppendedAfterTheOldestWasDroppedStartsClean) {
-  // The dropped row's buffers are reused: nothing of its cells may show in the new row.
-  TableModel t;
-  t.SetColumnCount(3);
-  AddTexts(t, {"a long first cell", "second", "third"}, RowKind::Restart);
-  AddTexts(t, {"b", "c", "d"});
-  t.RemoveRow(1);
-  AddTexts(t, {"x"});
-  ASSERT_EQ(t.DataRowCount(), 2);
-  EXPECT_EQ(Texts(t, 2), (Cells{"x", "", ""}));
-  EXPECT_EQ(t.Row(2).kind, RowKind::Record);
-  EXPECT_EQ(t.Row(2).Comment(1), "");
-  EXPECT_EQ(t.Row(2).Raw(1), 0);
-}
-
-TEST(TableModel, RemovingTheOldestRowKeepsTheOrderAndTellsObservers) {
+TEST(TableModel, DroppedRowsKeepTheOrderTellObserversAndLeaveNothingInLaterRows) {
+  // A dropped row's buffers are reused: nothing of its cells may show in a new row.
   TableModel t;
   Recorder r;
-  t.SetColumnCount(1);
+  t.SetColumnCount(3);
   t.AddObserver(&r);
-  for (int i = 1; i <= 4; ++i)
-    AddTexts(t, {std::to_string(i)});
+  AddTexts(t, {"a long first cell", "second", "third"}, RowKind::Restart);
+  for (const std::string text : {"2", "3", "4"})
+    AddTexts(t, {text, text, text});
   t.RemoveRow(1);
   t.RemoveRow(2);
-  ASSERT_EQ(t.DataRowCount(), 2);
+  AddTexts(t, {"x"});
+  ASSERT_EQ(t.DataRowCount(), 3);
   EXPECT_EQ(t.Text(1, 0), "2");
   EXPECT_EQ(t.Text(2, 0), "4");
-  EXPECT_EQ(r.calls, (std::vector<std::string>{"append 1+1", "append 2+1", "append 3+1",
-                                               "append 4+1", "remove 1+1", "remove 2+1"}));
+  EXPECT_EQ(Texts(t, 3), (Cells{"x", "", ""}));
+  EXPECT_EQ(t.Row(3).kind, RowKind::Record);
+  EXPECT_EQ(t.Row(3).Comment(1), "");
+  EXPECT_EQ(t.Row(3).Raw(1), 0);
+  EXPECT_EQ(r.calls,
+            (std::vector<std::string>{"append 1+1", "append 2+1", "append 3+1", "append 4+1",
+                                      "remove 1+1", "remove 2+1", "append 3+1"}));
 }
 
 TEST(TableModel, OutOfRangeCellsAreTrappedErrors) {
