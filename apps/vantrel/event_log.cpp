@@ -14,10 +14,10 @@ EventLog::~EventLog() {
 }
 
 void EventLog::Write(std::string_view event, const std::string& fields) {
-  if (file_ == nullptr) return;
+  if (file_ == nullptr || writeFailed_) return;
   std::fprintf(file_, "{\"event\":\"%.*s\"%s%s}\n", static_cast<int>(event.size()), event.data(),
                fields.empty() ? "" : ",", fields.c_str());
-  std::fflush(file_);
+  if (std::fflush(file_) != 0 || std::ferror(file_) != 0) writeFailed_ = true;
 }
 
 std::string JsonString(std::string_view cp1252) {

@@ -17,12 +17,15 @@ class EventLog {
   EventLog& operator=(const EventLog&) = delete;
 
   bool Ok() const { return path_.empty() || file_ != nullptr; }
+  // A write failed (a full disk, a closed pipe): later events are not written.
+  bool WriteFailed() const { return writeFailed_; }
   // `fields` is the object's body after the event name, already JSON.
   void Write(std::string_view event, const std::string& fields);
 
  private:
   std::string path_;
   std::FILE* file_ = nullptr;
+  bool writeFailed_ = false;
 };
 
 // A JSON string literal of a control text (Windows-1252).

@@ -1,6 +1,9 @@
 // vantrel: the command line of the Vantrel trace viewer.
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include "check_command.h"
 #include "controller_command.h"
@@ -88,12 +91,24 @@ int main(int argc, char** argv) {
     const int status = app.exit(e);
     return status == 0 ? 0 : 2;
   }
-  if (runCommand->parsed()) return vantrel::cli::Run(run);
-  if (cryptCommand->parsed()) return vantrel::cli::Crypt(cryptFiles);
-  if (checkCommand->parsed()) return vantrel::cli::Check(check);
-  if (historyCommand->parsed()) return vantrel::cli::History(history);
+  int status = 2;
+  if (runCommand->parsed()) status = vantrel::cli::Run(run);
+  if (cryptCommand->parsed()) status = vantrel::cli::Crypt(cryptFiles);
+  if (checkCommand->parsed()) status = vantrel::cli::Check(check);
+  if (historyCommand->parsed()) status = vantrel::cli::History(history);
 #ifdef VANTREL_WITH_MODBUS
-  if (controllerCommand->parsed()) return vantrel::cli::RunController(controller);
+  if (controllerCommand->parsed()) status = vantrel::cli::RunController(controller);
 #endif
-  return 2;
+  // What a command printed must have reached its reader: a full disk or a closed output is
+  // an error, never a silent success.
+  const bool flushFailed = std::fflush(stdout) != 0;
+  if (flushFailed || std::ferror(stdout) != 0) {
+    // `run` has said so as soon as it happened.
+    if (!runCommand->parsed()) {
+      std::fprintf(stderr, "vantrel: cannot write to standard output%s%s\n",
+                   flushFailed ? ": " : "", flushFailed ? std::strerror(errno) : "");
+    }
+    if (status == 0) status = 1;
+  }
+  return status;
 }

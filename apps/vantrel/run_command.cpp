@@ -1,8 +1,10 @@
 #include "run_command.h"
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -68,10 +70,18 @@ class RunHost : public ControlEvents {
   void OutputLine(std::string_view DataLine) override {
     log_.Write("OutputLine", "\"DataLine\":" + JsonString(DataLine));
     // One poll may bring more rows than were asked for; the rest stay in the table only.
-    if (rowLimit_ > 0 && rows_ >= rowLimit_) return;
+    if (rowLimit_ < 0 || (rowLimit_ > 0 && rows_ >= rowLimit_)) return;
     if (rows_ == 0 && printHeader) PrintHeader();
     std::printf("%s\n", Cp1252ToUtf8Line(DataLine).c_str());
-    std::fflush(stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+      // Rows nobody receives are no run: stop, and let the export on exit keep them.
+      std::fprintf(stderr, "vantrel run: cannot write the rows to standard output: %s\n",
+                   std::strerror(errno));
+      failed = true;
+      rowLimit_ = -1;
+      loop_.Quit();
+      return;
+    }
     if (rowLimit_ > 0 && ++rows_ >= rowLimit_) loop_.Quit();
     if (rowLimit_ == 0) ++rows_;
   }
@@ -274,6 +284,10 @@ int Run(const RunOptions& o) {
       std::fprintf(stderr, "vantrel run: the export to %s failed\n", control.ExportFile().c_str());
       return 1;
     }
+  }
+  if (log.WriteFailed()) {
+    std::fprintf(stderr, "vantrel run: cannot write the events to %s\n", o.eventsFile.c_str());
+    host.failed = true;
   }
   if (recordHistory) {
     const std::string failure = recordHistory->Close();

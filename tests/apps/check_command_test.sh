@@ -72,5 +72,20 @@ for duration in nan inf 1e10 -1; do
   [ "$status" -eq 2 ] && grep -q -- "--duration" "$work/err" || fail "--duration $duration: status $status"
 done
 
+# Output that cannot be written is an error with a message, never a silent success; a run
+# stops at its first lost row (/dev/full is a disk that is always full).
+"$vantrel" check --json "$examples/PMP1_pumps.vtld" >/dev/full 2>"$work/err"
+status=$?
+[ "$status" -eq 1 ] && grep -q "cannot write to standard output" "$work/err" ||
+  fail "check into a full disk: status $status"
+"$vantrel" run --duration 10 >/dev/full 2>"$work/err"
+status=$?
+[ "$status" -eq 1 ] && grep -q "cannot write the rows to standard output" "$work/err" ||
+  fail "run into a full disk: status $status"
+"$vantrel" run --duration 3 --events /dev/full >/dev/null 2>"$work/err"
+status=$?
+[ "$status" -eq 1 ] && grep -q "cannot write the events to /dev/full" "$work/err" ||
+  fail "events into a full disk: status $status"
+
 [ "$failures" -eq 0 ] && echo "all checks passed"
 exit "$failures"
