@@ -21,6 +21,14 @@ void AppendStamps(const RowStamp& stamp, LineStamps stamps, std::string_view sta
   if (stamps.status) (text += status) += kTab;
 }
 
+// The trace cells' texts joined by tabs, as OutputLine and the row sinks carry them.
+void AppendCellTexts(const CellRow& cells, std::string& text) {
+  for (size_t i = 0; i < cells.Size(); ++i) {
+    if (i > 0) text += kTab;
+    text += cells.Text(i);
+  }
+}
+
 }  // namespace
 
 void RowStore::StampAt(const DateTime& now) {
@@ -65,10 +73,7 @@ void RowStore::OutputRecordLine(const CellRow& traceCells, std::string_view stat
                                 LineStamps stamps) {
   line_.clear();
   AppendStamps(stamp_, stamps, status, line_);
-  for (size_t i = 0; i < traceCells.Size(); ++i) {
-    if (i > 0) line_ += kTab;
-    line_ += traceCells.Text(i);
-  }
+  AppendCellTexts(traceCells, line_);
   output_(line_);
 }
 
@@ -87,11 +92,8 @@ void RowStore::AppendRecord(CellRow& traceCells, RowKind kind, std::string_view 
   row.recordNumber = recordCount_;
   row.pcTime = stamp_.at;
   row.status = std::string(status);
+  AppendCellTexts(cells, row.line);
   const size_t count = cells.Size();
-  for (size_t i = 0; i < count; ++i) {
-    if (i > 0) row.line += kTab;
-    row.line += cells.Text(i);
-  }
   // A status row of a description without columns has no cells at all; a record row of one
   // has a single empty cell, as its line reads.
   const size_t shown = count == 0 && kind != RowKind::Status ? 1 : count;

@@ -67,10 +67,6 @@ bool EndsWith(std::string_view text, std::string_view suffix) {
   return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
 }
 
-std::optional<std::string> ReadWhole(std::string_view path) {
-  return ReadFileBytes(path);
-}
-
 }  // namespace
 
 std::string EncipherText(std::string_view plain) {
@@ -100,7 +96,7 @@ std::string EncryptDescription(std::string_view sourcePath) {
   std::error_code ec;
   // A directory, device or pipe is no description: reading one fails or never ends.
   if (!fs::is_regular_file(fs::status(NativePath(sourcePath), ec))) return "Cannot open file ";
-  const auto plain = ReadWhole(sourcePath);
+  const auto plain = ReadFileBytes(sourcePath);
   if (!plain) return "Cannot open file ";
   // Written beside the destination and renamed into its place, so that a link standing
   // there is replaced, never written through, and no half-written file is left.
@@ -135,7 +131,7 @@ std::optional<std::string> DecryptDescription(std::string_view sourcePath, std::
     errorText = "Not a regular file !";
     return std::nullopt;
   }
-  const auto enciphered = ReadWhole(sourcePath);
+  const auto enciphered = ReadFileBytes(sourcePath);
   if (!enciphered) throw RuntimeError::FileNotFound();
   std::optional<std::string> plain = DecipherText(*enciphered);
   if (!plain) errorText = "Incorrect file !";

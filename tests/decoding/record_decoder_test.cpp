@@ -15,6 +15,7 @@
 #include "acquisition/string_columns.h"
 #include "decoding/cell_reading.h"
 #include "support/recording_host.h"
+#include "support/trace_table.h"
 #include "vantrel/manual_clock.h"
 
 namespace vantrel {
@@ -40,15 +41,7 @@ struct DecoderFixture {
 
   ColumnDef& Define(int number, int16_t type, int16_t reg, int16_t position,
                     const std::string& caption, const std::string& code) {
-    ColumnDef& c = description.Columns[static_cast<size_t>(number)];
-    c.Defined = -1;
-    c.FieldType = type;
-    c.RegisterIndex = reg;
-    c.Position = position;
-    c.Caption = caption;
-    c.DisplayCode = code;
-    if (number > description.ColumnCount) description.ColumnCount = static_cast<int16_t>(number);
-    return c;
+    return testing::DefineColumn(description, number, type, reg, position, caption, code);
   }
 
   std::optional<RecordDecoder> decoder;  // one for every record, as the control keeps it

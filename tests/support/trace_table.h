@@ -15,6 +15,21 @@
 
 namespace vantrel::testing {
 
+// Defines trace column `number` of `description` by hand and returns it for further settings.
+inline ColumnDef& DefineColumn(TraceDescription& description, int number, int16_t type, int16_t reg,
+                               int16_t position, const std::string& caption,
+                               const std::string& code) {
+  ColumnDef& c = description.Columns[static_cast<size_t>(number)];
+  c.Defined = -1;
+  c.FieldType = type;
+  c.RegisterIndex = reg;
+  c.Position = position;
+  c.Caption = caption;
+  c.DisplayCode = code;
+  if (number > description.ColumnCount) description.ColumnCount = static_cast<int16_t>(number);
+  return c;
+}
+
 struct TraceTable {
   TraceDescription description;
   TableModel table;
@@ -27,15 +42,8 @@ struct TraceTable {
   // Defines trace column `number` and returns it for further settings.
   ColumnDef& Define(int number, int16_t type, int16_t reg, int16_t position,
                     const std::string& caption, const std::string& code, int32_t width = 800) {
-    ColumnDef& c = description.Columns[static_cast<size_t>(number)];
-    c.Defined = -1;
-    c.FieldType = type;
-    c.RegisterIndex = reg;
-    c.Position = position;
-    c.Caption = caption;
-    c.DisplayCode = code;
+    ColumnDef& c = DefineColumn(description, number, type, reg, position, caption, code);
     c.Width = width;
-    if (number > description.ColumnCount) description.ColumnCount = static_cast<int16_t>(number);
     return c;
   }
 
